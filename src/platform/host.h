@@ -1,0 +1,59 @@
+#pragma once
+#include <string>
+#include <vector>
+
+namespace velmora {
+
+enum class MsgButtons { OkOnly, YesNo, YesNoCancel };
+enum class MsgAnswer { Ok, Yes, No, Cancel };
+
+// What the core needs from the world around it: the window, the event loop, the shell.
+// Every member has a harmless default so that a headless session or a test needs to
+// override only what it looks at. The window's implementation lives in platform/qt.
+class Host {
+public:
+  virtual ~Host() = default;
+
+  // One turn of the event loop: lets the user act between steps of a long function.
+  virtual void Yield() {}
+  // A message box; headless, the default answer is taken.
+  virtual MsgAnswer MsgBox(const std::string& text, const std::string& title, MsgButtons buttons,
+                           MsgAnswer dflt) {
+    (void)text, (void)title, (void)buttons;
+    return dflt;
+  }
+  virtual void Beep() {}
+  // Called after LogMsg appended `msg` to the command bar.
+  virtual void LogAppended(const std::string& msg) { (void)msg; }
+  virtual void WaitCursor(bool on) { (void)on; }
+  // ProgBar: value out of max; max 0 hides it.
+  virtual void Progress(long long value, long long max) { (void)value, (void)max; }
+  // txtFunc: the caption of the running operation.
+  virtual void FuncText(const std::string& text) { (void)text; }
+  // The layer list is rebuilt from Lyr; one item is redrawn from its row.
+  virtual void LayerListChanged() {}
+  virtual void LayerItemChanged(int lyr) { (void)lyr; }
+  virtual void MapRedraw() {}
+  // BlkTable / UnBlkTable: the data grid of the layer's open table and edit-feature window.
+  virtual void BlockTable(int lyr, bool blocked) { (void)lyr, (void)blocked; }
+  // Is the form known by this caption open (the names of the dialog-exclusion lists)?
+  virtual bool IsDialogOpen(const std::string& caption) {
+    (void)caption;
+    return false;
+  }
+  // The shell's "open" verb: the desktop's default application.
+  virtual bool ShellOpen(const std::string& path) {
+    (void)path;
+    return false;
+  }
+  // New Project: a second copy of the program in a new process.
+  virtual bool StartSecondProcess() { return false; }
+  // Asks for a path to save to (the Save Project dialog); "" when cancelled.
+  virtual std::string SaveFileDialog(const std::string& title, const std::string& filter,
+                                     const std::string& defaultName) {
+    (void)title, (void)filter, (void)defaultName;
+    return "";
+  }
+};
+
+} // namespace velmora

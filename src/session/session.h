@@ -1,0 +1,79 @@
+#pragma once
+#include <cstdint>
+#include <memory>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "platform/host.h"
+#include "session/held_lyrs.h"
+#include "session/lyr_table.h"
+#include "session/undo_types.h"
+#include "view/map_view.h"
+
+namespace velmora {
+
+// Locale settings of the session, applied where numbers, dates and text cross to and from
+// files and the screen.
+struct LocaleSettings {
+  char DecimalSep = '.';
+  std::string ShortDate = "dd/mm/yyyy";
+  int CodePage = 1252;
+};
+
+// The whole state of one session. Every core operation takes it as its first argument.
+struct Session {
+  LyrTable Lyr;
+  int32_t LyrCount = 0;
+  int32_t ActiveLyr = 0;
+  std::string ProjFile;
+  int16_t ProjChanged = 0;
+  int16_t LyrErr = 0; // 0 good, 1 failed, 2 the file is a frame file
+  std::string LastDir;
+  std::string ProgramDir;
+  double ProjVersion = 0;
+
+  MapViewRec MapView;
+  uint8_t MapUnit = 0, MapCoordsIdx = 0, MapZone = 0, MapSouth = 0;
+  uint8_t MeasUnit = 0, MeasCoordsIdx = 0, MeasZone = 0, MeasSouth = 0;
+
+  std::vector<UndoEntry> UndoList;
+  int32_t UndoPos = 0, UndoCount = 0;
+
+  std::vector<ViewHistEntry> ViewHist;
+  int32_t ViewPos = 0, ViewCount = 0;
+
+  std::vector<std::string> ArgStr{""};
+
+  // The command bar: the log, always ending in the prompt.
+  std::string CommandBar;
+  int32_t LogKeepFrom = 0;
+
+  HeldLyrs Held;
+
+  // Error channels of the stores, read right after a call.
+  int16_t ShpErr = 0;
+  int16_t DbfErr = 0;
+
+  bool GdipReady = false; // TIFF and PNG codecs are present
+  bool ExitUnderWay = false;
+
+  LocaleSettings Locale;
+  std::mt19937 Rng;
+
+  Host* host; // never null
+  Session();
+  explicit Session(Host& h);
+  Session(const Session&) = delete;
+  Session& operator=(const Session&) = delete;
+
+private:
+  std::unique_ptr<Host> ownHost_;
+};
+
+// A random number in [0, 1), from the session's generator.
+double Rnd(Session& s);
+// Seeds the generator (from the clock at start; tests seed it themselves).
+void Randomize(Session& s, uint32_t seed);
+
+} // namespace velmora

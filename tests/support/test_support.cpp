@@ -1,0 +1,75 @@
+#include "test_support.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <unistd.h>
+
+namespace velmora::test {
+
+namespace {
+struct Cleanup {
+  std::vector<std::string> dirs;
+  ~Cleanup() {
+    for (auto& d : dirs) {
+      std::error_code ec;
+      std::filesystem::remove_all(d, ec);
+    }
+  }
+};
+Cleanup& cleanup() {
+  static Cleanup c;
+  return c;
+}
+} // namespace
+
+std::string TempDir(const std::string& tag) {
+  std::string tmpl = (std::filesystem::temp_directory_path() / ("velmora-" + tag + "-XXXXXX"));
+  std::vector<char> buf(tmpl.begin(), tmpl.end());
+  buf.push_back('\0');
+  std::string dir = ::mkdtemp(buf.data());
+  cleanup().dirs.push_back(dir);
+  return dir + "/";
+}
+
+void WriteFile(const std::string& path, const std::string& bytes) {
+  std::ofstream f(path, std::ios::binary);
+  f << bytes;
+}
+
+std::string ReadFile(const std::string& path) {
+  std::ifstream f(path, std::ios::binary);
+  std::stringstream ss;
+  ss << f.rdbuf();
+  return ss.str();
+}
+
+std::string RunCmd(const std::string& cmd, int* status) {
+  std::string out;
+  FILE* p = ::popen(cmd.c_str(), "r");
+  if (!p) return out;
+  std::array<char, 4096> buf;
+  size_t n;
+  while ((n = std::fread(buf.data(), 1, buf.size(), p)) > 0) out.append(buf.data(), n);
+  int st = ::pclose(p);
+  if (status) *status = WIFEXITED(st) ? WEXITSTATUS(st) : -1;
+  return out;
+}
+
+MsgAnswer RecordingHost::MsgBox(const std::string& text, const std::string& title, MsgButtons,
+                                MsgAnswer dflt) {
+  boxes.push_back(title + "|" + text);
+  if (answers.empty()) return dflt;
+  MsgAnswer a = answers.front();
+  answers.erase(answers.begin());
+  return a;
+}
+
+bool RecordingHost::IsDialogOpen(const std::string& caption) {
+  return std::find(openDialogs.begin(), openDialogs.end(), caption) != openDialogs.end();
+}
+
+} // namespace velmora::test

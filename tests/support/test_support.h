@@ -1,0 +1,40 @@
+#pragma once
+#include <string>
+#include <vector>
+
+#include "platform/host.h"
+
+namespace velmora::test {
+
+// A fresh empty folder under the system's temporary folder, removed at exit.
+std::string TempDir(const std::string& tag);
+// Writes `bytes` to `path`.
+void WriteFile(const std::string& path, const std::string& bytes);
+std::string ReadFile(const std::string& path);
+// Runs a shell command and returns its standard output; `status` gets the exit code.
+std::string RunCmd(const std::string& cmd, int* status = nullptr);
+
+// A host that records what the core told it and answers message boxes from a queue.
+class RecordingHost : public Host {
+public:
+  std::vector<std::string> logged;
+  std::vector<std::string> boxes; // "title|text"
+  std::vector<MsgAnswer> answers; // taken from the front; the default when empty
+  std::vector<std::string> openDialogs;
+  int beeps = 0;
+  int yields = 0;
+  std::vector<std::string> shellOpened;
+
+  MsgAnswer MsgBox(const std::string& text, const std::string& title, MsgButtons,
+                   MsgAnswer dflt) override;
+  void Beep() override { ++beeps; }
+  void Yield() override { ++yields; }
+  void LogAppended(const std::string& msg) override { logged.push_back(msg); }
+  bool IsDialogOpen(const std::string& caption) override;
+  bool ShellOpen(const std::string& path) override {
+    shellOpened.push_back(path);
+    return true;
+  }
+};
+
+} // namespace velmora::test
