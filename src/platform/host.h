@@ -4,6 +4,8 @@
 
 namespace velmora {
 
+class Canvas;
+
 enum class MsgButtons { OkOnly, YesNo, YesNoCancel };
 enum class MsgAnswer { Ok, Yes, No, Cancel };
 
@@ -34,6 +36,10 @@ public:
   virtual void LayerListChanged() {}
   virtual void LayerItemChanged(int lyr) { (void)lyr; }
   virtual void MapRedraw() {}
+  // MapBuf: the off-screen surface of the window's map; null when there is no window.
+  virtual Canvas* MapBuf() { return nullptr; }
+  // EditPic takes the image of MapBuf.
+  virtual void MapShow() {}
   // BlkTable / UnBlkTable: the data grid of the layer's open table and edit-feature window.
   virtual void BlockTable(int lyr, bool blocked) { (void)lyr, (void)blocked; }
   // Is the form known by this caption open (the names of the dialog-exclusion lists)?

@@ -34,6 +34,7 @@ struct Session {
   double ProjVersion = 0;
 
   MapViewRec MapView;
+  ViewVars View;
   uint8_t MapUnit = 0, MapCoordsIdx = 0, MapZone = 0, MapSouth = 0;
   uint8_t MeasUnit = 0, MeasCoordsIdx = 0, MeasZone = 0, MeasSouth = 0;
 

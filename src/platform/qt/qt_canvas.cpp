@@ -1,0 +1,178 @@
+#include "platform/qt/qt_canvas.h"
+
+#include <QPainterPath>
+#include <QPolygon>
+#include <vector>
+
+namespace velmora {
+
+namespace {
+
+QPainter::CompositionMode RasterOp(int drawMode) {
+  switch (drawMode) {
+  case 6: // not
+    return QPainter::RasterOp_NotDestination;
+  case 7: // xor pen
+    return QPainter::RasterOp_SourceXorDestination;
+  case 9: // mask pen
+    return QPainter::RasterOp_SourceAndDestination;
+  case 15: // merge pen
+    return QPainter::RasterOp_SourceOrDestination;
+  case 4: // not copy pen
+    return QPainter::RasterOp_NotSource;
+  case 11: // nop
+    return QPainter::CompositionMode_Destination;
+  default: // 13 copy pen; black and white are handled by the pen colour
+    return QPainter::CompositionMode_SourceOver;
+  }
+}
+
+Qt::PenStyle LineStyle(int style) {
+  switch (style) {
+  case 1:
+    return Qt::DashLine;
+  case 2:
+    return Qt::DotLine;
+  case 3:
+    return Qt::DashDotLine;
+  case 4:
+    return Qt::DashDotDotLine;
+  case 5:
+    return Qt::NoPen;
+  default:
+    return Qt::SolidLine;
+  }
+}
+
+Qt::BrushStyle FillStyle(int style) {
+  switch (style) {
+  case 0:
+    return Qt::SolidPattern;
+  case 2:
+    return Qt::HorPattern;
+  case 3:
+    return Qt::VerPattern;
+  case 4:
+    return Qt::BDiagPattern;
+  case 5:
+    return Qt::FDiagPattern;
+  case 6:
+    return Qt::CrossPattern;
+  case 7:
+    return Qt::DiagCrossPattern;
+  default:
+    return Qt::NoBrush;
+  }
+}
+
+} // namespace
+
+QColor QtCanvas::ToQColor(Colour c) {
+  return QColor(c & 0xFF, (c >> 8) & 0xFF, (c >> 16) & 0xFF);
+}
+
+QtCanvas::QtCanvas(QImage& image) : image_(image) {
+  Begin();
+}
+
+QtCanvas::~QtCanvas() {
+  End();
+}
+
+void QtCanvas::Begin() {
+  if (p_) return;
+  p_ = std::make_unique<QPainter>(&image_);
+  p_->setRenderHint(QPainter::Antialiasing, false);
+  p_->setRenderHint(QPainter::TextAntialiasing, false);
+  p_->setRenderHint(QPainter::SmoothPixmapTransform, true);
+}
+
+void QtCanvas::End() {
+  if (p_) p_->end();
+  p_.reset();
+}
+
+void QtCanvas::Clear(Colour c) {
+  Begin();
+  p_->setCompositionMode(QPainter::CompositionMode_Source);
+  p_->fillRect(image_.rect(), ToQColor(c));
+  p_->setCompositionMode(mode_);
+}
+
+void QtCanvas::SetPen(Colour c, int drawMode, int style, int width) {
+  Begin();
+  QColor col = ToQColor(c);
+  if (drawMode == 1) col = Qt::black;
+  if (drawMode == 16) col = Qt::white;
+  // As on GDI, a broken line style holds only for pens one pixel wide.
+  Qt::PenStyle ps = width > 1 && style != 5 ? Qt::SolidLine : LineStyle(style);
+  QPen pen(col, width < 1 ? 1 : width, ps, Qt::SquareCap, Qt::MiterJoin);
+  if (width <= 1) pen.setCosmetic(true);
+  p_->setPen(pen);
+  mode_ = RasterOp(drawMode);
+  p_->setCompositionMode(mode_);
+}
+
+void QtCanvas::SetBrush(Colour c, int fillStyle) {
+  Begin();
+  p_->setBrush(QBrush(ToQColor(c), FillStyle(fillStyle)));
+}
+
+void QtCanvas::Polyline(const PixPt* pts, size_t n) {
+  if (n == 0) return;
+  QPolygon poly{static_cast<int>(n)};
+  for (size_t i = 0; i < n; ++i) poly.setPoint(int(i), pts[i].x, pts[i].y);
+  if (n == 1)
+    p_->drawPoint(poly.point(0));
+  else
+    p_->drawPolyline(poly);
+}
+
+void QtCanvas::PolyPolygon(const PixPt* pts, const int* counts, size_t rings) {
+  QPainterPath path;
+  path.setFillRule(Qt::OddEvenFill);
+  size_t at = 0;
+  for (size_t r = 0; r < rings; ++r) {
+    QPolygon poly{counts[r]};
+    for (int i = 0; i < counts[r]; ++i, ++at) poly.setPoint(i, pts[at].x, pts[at].y);
+    path.addPolygon(QPolygonF(poly));
+    path.closeSubpath();
+  }
+  p_->drawPath(path);
+}
+
+void QtCanvas::Rectangle(int x1, int y1, int x2, int y2) {
+  if (x2 < x1) std::swap(x1, x2);
+  if (y2 < y1) std::swap(y1, y2);
+  if (x2 - x1 < 1 || y2 - y1 < 1) {
+    p_->drawPoint(x1, y1);
+    return;
+  }
+  // GDI leaves out the right and bottom edge.
+  p_->drawRect(x1, y1, x2 - x1 - 1, y2 - y1 - 1);
+}
+
+void QtCanvas::Text(int x, int y, double angle, const std::string& text, const std::string& font,
+                    int pointSize, bool bold, bool italic, Colour c) {
+  QFont f(QString::fromStdString(font));
+  f.setPointSize(pointSize < 1 ? 1 : pointSize);
+  f.setBold(bold);
+  f.setItalic(italic);
+  p_->save();
+  p_->setCompositionMode(QPainter::CompositionMode_SourceOver);
+  p_->setFont(f);
+  p_->setPen(ToQColor(c));
+  p_->translate(x, y);
+  if (angle != 0) p_->rotate(-angle);
+  QString s = QString::fromStdString(text);
+  QFontMetrics fm(f);
+  // Centred on the anchor.
+  p_->drawText(-fm.horizontalAdvance(s) / 2, fm.ascent() / 2, s);
+  p_->restore();
+}
+
+void QtCanvas::StretchImage(int handle, int x1, int y1, int x2, int y2) {
+  (void)handle, (void)x1, (void)y1, (void)x2, (void)y2;
+}
+
+} // namespace velmora
