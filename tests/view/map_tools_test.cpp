@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "view/gestures.h"
 #include "view/map_tools.h"
 #include "view/navigation.h"
 
@@ -191,4 +192,26 @@ TEST(MapTools, StatusTextFormats) {
   EXPECT_NE(t.find("  Scale      = 1 : 1,234,567"), std::string::npos);
   s.Locale.DecimalSep = ',';
   EXPECT_NE(WorldStatusText(s, 1234.5, 0).find("1.234,500000000"), std::string::npos);
+}
+
+TEST(Gestures, DragPansWithTheImageAndArrowsPanAQuarter) {
+  Session s;
+  OneLayer(s, 0, 0, 100, 50);
+  View(s, 200, 100);
+  MapFull(s);
+  double f = s.MapView.MapFactor, left = s.MapView.MapLeft, top = s.MapView.MapTop;
+  // Dragging the image 20 pixels right and 10 down shows what lay left and above.
+  PanByPixels(s, 20, 10);
+  EXPECT_DOUBLE_EQ(s.MapView.MapLeft, left - 20 * f);
+  EXPECT_DOUBLE_EQ(s.MapView.MapTop, top + 10 * f);
+  EXPECT_EQ(s.MapView.MapTool, 1);
+  EXPECT_FALSE(ArrowKeyPan(s, 39)); // no active layer
+  s.ActiveLyr = 1;
+  left = s.MapView.MapLeft;
+  EXPECT_TRUE(ArrowKeyPan(s, 39));
+  EXPECT_DOUBLE_EQ(s.MapView.MapLeft, left + 50 * f);
+  // A box drawn from its bottom right corner zooms in as well.
+  s.MapView.MapTool = kToolZoomIn;
+  ToolGesture(s, 150, 75, 50, 25);
+  EXPECT_DOUBLE_EQ(s.MapView.MapFactor, f / 2);
 }
