@@ -5,6 +5,7 @@
 namespace velmora {
 
 class Canvas;
+class ImageIO;
 
 enum class MsgButtons { OkOnly, YesNo, YesNoCancel };
 enum class MsgAnswer { Ok, Yes, No, Cancel };
@@ -40,6 +41,8 @@ public:
   virtual Canvas* MapBuf() { return nullptr; }
   // EditPic takes the image of MapBuf.
   virtual void MapShow() {}
+  // The picture store; null when pictures can't be decoded here.
+  virtual ImageIO* Images() { return nullptr; }
   // BlkTable / UnBlkTable: the data grid of the layer's open table and edit-feature window.
   virtual void BlockTable(int lyr, bool blocked) { (void)lyr, (void)blocked; }
   // Is the form known by this caption open (the names of the dialog-exclusion lists)?

@@ -57,6 +57,7 @@ struct Session {
   int16_t DbfErr = 0;
 
   bool GdipReady = false; // TIFF and PNG codecs are present
+  TiffState Tiff;
   bool ExitUnderWay = false;
 
   LocaleSettings Locale;

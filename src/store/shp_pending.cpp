@@ -55,3 +55,7 @@ ShpRecord& ShpRecord::operator=(const ShpRecord&) { return *this; }
 ShpRecord& ShpRecord::operator=(ShpRecord&&) noexcept { return *this; }
 ShpRecord::~ShpRecord() {}
 } // namespace velmora
+namespace velmora {
+void ShpRecord::ResizeParts(int) {}
+void ShpPart::Resize(size_t) {}
+} // namespace velmora

@@ -260,7 +260,7 @@ void DrawImageLyr(Session& s, Canvas& c, int n) {
   if (std::max(L, R) < v.ClipLeft || std::min(L, R) > v.ClipRight ||
       std::max(T, B) < v.ClipBottom || std::min(T, B) > v.ClipTop)
     return;
-  c.StretchImage(l.Img.PicHandle, Px(PixX(s, L)), Px(PixY(s, T)), Px(PixX(s, R)), Px(PixY(s, B)));
+  c.StretchImage(l.Img.ImgPic, Px(PixX(s, L)), Px(PixY(s, T)), Px(PixX(s, R)), Px(PixY(s, B)));
 }
 
 void DrawEditFeature(Session& s, Canvas& c, int n, int f, int hotPart, int hotVertex) {

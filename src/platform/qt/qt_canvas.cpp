@@ -1,5 +1,7 @@
 #include "platform/qt/qt_canvas.h"
 
+#include "platform/qt/qt_image_io.h"
+
 #include <QPainterPath>
 #include <QPolygon>
 #include <vector>
@@ -71,7 +73,7 @@ QColor QtCanvas::ToQColor(Colour c) {
   return QColor(c & 0xFF, (c >> 8) & 0xFF, (c >> 16) & 0xFF);
 }
 
-QtCanvas::QtCanvas(QImage& image) : image_(image) {
+QtCanvas::QtCanvas(QImage& image, const QtImageIO* images) : image_(image), images_(images) {
   Begin();
 }
 
@@ -172,7 +174,15 @@ void QtCanvas::Text(int x, int y, double angle, const std::string& text, const s
 }
 
 void QtCanvas::StretchImage(int handle, int x1, int y1, int x2, int y2) {
-  (void)handle, (void)x1, (void)y1, (void)x2, (void)y2;
+  const QImage* img = images_ ? images_->Get(handle) : nullptr;
+  if (!img || x1 == x2 || y1 == y2) return;
+  p_->save();
+  p_->setCompositionMode(QPainter::CompositionMode_SourceOver);
+  p_->setRenderHint(QPainter::SmoothPixmapTransform, true); // half-tone stretching
+  p_->drawImage(QRect(QPoint(std::min(x1, x2), std::min(y1, y2)),
+                      QPoint(std::max(x1, x2) - 1, std::max(y1, y2) - 1)),
+                *img);
+  p_->restore();
 }
 
 } // namespace velmora

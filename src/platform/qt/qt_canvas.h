@@ -8,9 +8,11 @@
 namespace velmora {
 
 // The map's drawing surface over QPainter on a QImage, with GDI's pen and brush numbers.
+class QtImageIO;
+
 class QtCanvas : public Canvas {
 public:
-  explicit QtCanvas(QImage& image);
+  explicit QtCanvas(QImage& image, const QtImageIO* images = nullptr);
   ~QtCanvas() override;
 
   int Width() const override { return image_.width(); }
@@ -32,6 +34,7 @@ public:
 
 private:
   QImage& image_;
+  const QtImageIO* images_;
   std::unique_ptr<QPainter> p_;
   QPainter::CompositionMode mode_ = QPainter::CompositionMode_SourceOver;
   void Begin();
