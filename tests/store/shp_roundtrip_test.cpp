@@ -20,8 +20,8 @@ struct Case {
 // A Z file without measures dumps its vertices as (x,y, z); the same file with the M block
 // the store writes dumps them as (x,y, z, 0).
 std::string WithoutZeroMeasures(std::string d) {
-  size_t p;
-  while ((p = d.find(", 0)")) != std::string::npos) d.replace(p, 4, ")");
+  size_t p = 0;
+  while ((p = d.find(", 0)", p)) != std::string::npos) d.replace(p, 4, ")"), ++p;
   return d;
 }
 
