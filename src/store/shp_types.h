@@ -23,6 +23,10 @@ struct ShpPart {
   int32_t PartCount = 0; // live vertices; 0 for a soft-deleted part
   int32_t PartFlag = 0;  // 0 has vertices, -1 empty in the file; MultiPatch part type in 31
 
+private:
+  uint32_t n_ = 0; // vertices in the block; placed here to keep the part at 32 bytes
+
+public:
   ShpPart() = default;
   ShpPart(const ShpPart& o);
   ShpPart(ShpPart&& o) noexcept;
@@ -55,7 +59,6 @@ struct ShpPart {
 
 private:
   double* blk_ = nullptr; // n XY pairs, then n Z if hasZ_, then n M if hasM_
-  uint32_t n_ = 0;
   uint32_t cap_ = 0; // vertices the block can hold; 0 = borrowed from an arena
   bool hasZ_ = false, hasM_ = false;
 
@@ -72,6 +75,11 @@ struct ShpRecord {
   int32_t NumPoints = 0; // live vertices
   int32_t NumParts = 0;  // entries of Parts, live or soft-deleted
   uint8_t LabelReady = 0;
+
+private:
+  bool partsOwned_ = false; // owned arrays are freed by the record; placed here for size
+
+public:
   double Xmin = 0, Ymin = 0, Xmax = 0, Ymax = 0;
   double Zmin = 0, Zmax = 0, Mmin = 0, Mmax = 0;
   double LabelX = 0, LabelY = 0, LabelAngle = 0;
@@ -83,11 +91,14 @@ struct ShpRecord {
   ShpRecord& operator=(ShpRecord&& o) noexcept;
   ~ShpRecord();
 
-  // The parts, 0 .. NumParts - 1.
-  std::span<ShpPart> Parts() { return {parts_, size_t(NumParts)}; }
-  std::span<const ShpPart> Parts() const { return {parts_, size_t(NumParts)}; }
-  ShpPart& Part(int i) { return parts_[i]; }
-  const ShpPart& Part(int i) const { return parts_[i]; }
+  // The parts, 0 .. NumParts - 1 (never more than the array holds).
+  std::span<ShpPart> Parts() { return {Arr(), PartsShown()}; }
+  std::span<const ShpPart> Parts() const { return {Arr(), PartsShown()}; }
+  // Entries of the part array. Equal to NumParts except in a deleted record read from a
+  // file, which keeps one empty part with NumParts 0.
+  int PartSlots() const;
+  ShpPart& Part(int i) { return Arr()[i]; }
+  const ShpPart& Part(int i) const { return Arr()[i]; }
 
   // Sets the number of parts (NumParts), keeping the leading ones; new parts are empty.
   void ResizeParts(int n);
@@ -98,10 +109,20 @@ struct ShpRecord {
   void BorrowParts(ShpArena& arena, int n);
 
 private:
-  ShpPart* parts_ = nullptr;
-  bool partsOwned_ = false; // owned arrays have capacity std::bit_ceil(NumParts)
+  // The part array behind a small header that holds its size and capacity.
+  void* parts_ = nullptr;
+  ShpPart* Arr() const {
+    return parts_ ? reinterpret_cast<ShpPart*>(static_cast<std::byte*>(parts_) + 8) : nullptr;
+  }
+  size_t PartsShown() const {
+    int n = PartSlots();
+    return size_t(NumParts < 0 ? 0 : NumParts < n ? NumParts : n);
+  }
+  void ReserveParts(int cap);
   void ReleaseParts();
 };
+static_assert(sizeof(ShpPart) == 32);
+static_assert(sizeof(ShpRecord) == 112);
 
 // The 100-byte main header of .shp and .shx, its words in machine order.
 struct ShpMainHeader {
@@ -128,6 +149,14 @@ struct ShpBlock {
   int16_t ExtentStale = 0; // set by movement code: the extent must be recomputed
   std::vector<ShpRecord> ShpRecs; // slot 0 is the frame record; capacity = ShpRecs.size() - 1
   std::shared_ptr<ShpArena> Arena; // storage borrowed by the records read from the files
+
+  // Records may borrow from Arena, so they always go before it.
+  ShpBlock() = default;
+  ShpBlock(const ShpBlock&) = default;
+  ShpBlock(ShpBlock&&) noexcept = default;
+  ShpBlock& operator=(const ShpBlock&) = default;
+  ShpBlock& operator=(ShpBlock&&) noexcept = default;
+  ~ShpBlock() { ShpRecs.clear(); }
 };
 
 } // namespace velmora

@@ -1,0 +1,346 @@
+// The life of a layer on top of the stores: add, open into a row, save, remove, reload.
+#include "session/layer_life.h"
+
+#include <array>
+#include <utility>
+
+#include "session/busy.h"
+#include "session/file_util.h"
+#include "session/log.h"
+#include "session/lyr_slots.h"
+#include "session/undo.h"
+#include "store/dbf_store.h"
+#include "store/shp_store.h"
+
+namespace velmora {
+
+namespace {
+
+constexpr std::array<std::pair<const char*, int>, 13> kKinds = {{
+    {"POINT", 1},
+    {"POINTM", 21},
+    {"POINTMZ", 11},
+    {"POLYLINE", 3},
+    {"POLYLINEM", 23},
+    {"POLYLINEMZ", 13},
+    {"POLYGON", 5},
+    {"POLYGONM", 25},
+    {"POLYGONMZ", 15},
+    {"MULTIPOINTS", 8},
+    {"MULTIPOINTSM", 28},
+    {"MULTIPOINTSMZ", 18},
+    {"MASKLAYOUT", 100},
+}};
+
+bool IsPointKind(int t) { return t == 1 || t == 8 || t == 11 || t == 18 || t == 21 || t == 28; }
+
+bool HasChanges(const LyrRec& l) { return l.Shp.ShpChanged || l.Dbf.DbfChanged; }
+
+bool Canceled(Session& s, int index, const std::string& op) {
+  if (!LyrIsBusyMsg(s, index)) return false;
+  LogMsg(s, " *** " + op + " " + s.Lyr[index].LyrName + " has been canceled *** ");
+  return true;
+}
+
+// Opens the shape file of a row and its attribute side.
+void OpenShapeRow(Session& s, int index, const std::string& path) {
+  LyrRec& l = s.Lyr[index];
+  l.Net = NetBlock{};
+  if (l.Dbf.DbfOpen || l.Dbf.SwapOpen) CloseDbf(s, index);
+  l.LyrKind = 0;
+  OpenShp(s, index, path);
+  s.LyrErr = s.ShpErr;
+  if (s.ShpErr) return;
+  LyrRec& r = s.Lyr[index];
+  if (r.Shp.ShpType == 99) {
+    s.LyrErr = 2; // a raster's frame: the caller opens the image
+    return;
+  }
+  std::string dbf = ReplaceExt(path, "dbf");
+  s.DbfErr = 0;
+  OpenDbf(s, index, dbf);
+  if (s.DbfErr == 1) {
+    s.DbfErr = 0;
+    if (r.Shp.ShpType == 100) NewDbfMask(s, index, dbf);
+    else NewDbfDefault(s, index, dbf);
+    if (s.DbfErr) {
+      s.LyrErr = s.DbfErr;
+      return;
+    }
+    // A table made to stand beside the geometry is no change of the layer.
+    s.Lyr[index].Dbf.DbfChanged = 0;
+    s.Lyr[index].Shp.ShpChanged = 0;
+  }
+  LyrRec& done = s.Lyr[index];
+  done.LyrKind = 1;
+  done.LyrName = FileNameOf(done.Fsource);
+  if (IsPointKind(done.Shp.ShpType)) {
+    if (done.CDrawWidth.empty()) SizeClasses(done, 0);
+    done.CDrawWidth[0] = 3;
+    done.SDrawWidth = 3;
+  }
+}
+
+// Images are opened by the raster side of the view, which this build does not carry yet:
+// the row stays closed and the open reports a failure.
+void OpenImageRow(Session& s, int index, const std::string& path) {
+  (void)path;
+  s.Lyr[index].LyrKind = 0;
+  s.LyrErr = 1;
+}
+
+} // namespace
+
+int ShapeTypeOfKind(const std::string& kindWord) {
+  std::string w = UCase(Trim(kindWord));
+  for (const auto& [word, code] : kKinds)
+    if (w == word) return code;
+  return 0;
+}
+
+void OpenLyrFile(Session& s, int index, const std::string& path) {
+  std::string ext = ExtOf(path);
+  if (ext == "shp" || ext == "tmp") {
+    OpenShapeRow(s, index, path);
+  } else if (ext == "jpg" || ext == "gif" || ext == "bmp" ||
+             ((ext == "tif" || ext == "png") && s.GdipReady)) {
+    OpenImageRow(s, index, path);
+  } else {
+    s.Lyr[index].LyrKind = 0; // quietly no layer
+    s.LyrErr = 1;
+  }
+  if (index >= 1 && index <= s.LyrCount) s.host->LayerItemChanged(index);
+}
+
+void NewLyrRow(Session& s, const std::string& path) {
+  int n = s.LyrCount + 1;
+  s.Lyr.Resize(n);
+  s.LyrCount = n;
+  SetLyrDefaults(s, n);
+  OpenLyrFile(s, n, path);
+  if (s.Lyr[n].LyrKind == 0) {
+    CloseLyrFiles(s, n);
+    s.LyrCount = n - 1;
+    s.Lyr.Resize(n - 1);
+  }
+}
+
+void AddShape(Session& s, const std::string& pathIn, bool readOnly) {
+  if (DialogsBlock(s, "adding layer")) return;
+  std::string path = pathIn;
+  std::string ext = ExtOf(path);
+  if (ext == "dbf" || ext == "shx") path = ChangeExt(path, "shp");
+  s.LastDir = FolderOf(path);
+  if (!FileExists(path)) return;
+  WaitCursor(s);
+  int before = s.LyrCount;
+  NewLyrRow(s, path);
+  if (s.LyrErr == 1 || s.LyrCount == before) {
+    LogMsg(s, " *** Add Layer " + path + " has been canceled *** ");
+  } else if (s.LyrErr == 2) {
+    LogMsg(s, " *** Add Layer " + path +
+                  " has been canceled, Please Open its Raster Image file Instead *** ");
+  } else {
+    int n = s.LyrCount;
+    s.ActiveLyr = n;
+    s.host->LayerListChanged();
+    if (n == 1) {
+      CheckFirstLyrUnits(s, n);
+      s.MapView.MapTool = 2; // "ZoomIn"; the view zooms to the full extent on redraw
+    }
+    s.host->MapRedraw();
+    LogMsg(s, "Add Layer " + path);
+    if (readOnly) s.Lyr[n].EEditable = 0;
+    s.ProjChanged = -1;
+  }
+  NormalCursor(s);
+}
+
+void CheckFirstLyrUnits(Session& s, int index) {
+  if (s.LyrCount != 1) return;
+  LyrRec& l = s.Lyr[index];
+  if (LeftExtend(l) < -360 || TopExtend(l) > 180 || RightExtend(l) > 360 ||
+      BottomExtend(l) < -180)
+    s.MapUnit = 1;
+}
+
+void MakeNewLyr(Session& s, const std::string& path, int shapeType, const std::string& kindWord,
+                bool add) {
+  if (DialogsBlock(s, "making New layer")) return;
+  int slot = FindFreeWorkLyr(s);
+  LyrLock(s, slot, true, "Make New Shape File");
+  NewShp(s, slot, path, shapeType);
+  bool ok = s.ShpErr == 0;
+  CloseShp(s, slot);
+  ClearLyr(s, slot);
+  if (!ok) {
+    LogMsg(s, " *** Make New " + kindWord + " Layer " + path + " has been canceled *** ");
+    return;
+  }
+  s.LastDir = FolderOf(path);
+  LogMsg(s, "Make New " + kindWord + " Layer " + path);
+  if (add) AddShape(s, ReplaceExt(path, "shp"), false);
+}
+
+namespace {
+
+void SaveRow(Session& s, int index, bool all) {
+  LyrRec& l = s.Lyr[index];
+  if (!all && !HasChanges(l)) return;
+  SetLyrTerminate(s, index, false);
+  LyrLock(s, index, true, "Save Layer");
+  bool ok = true;
+  if (l.LyrKind == 1) {
+    if (all || l.Shp.ShpChanged) {
+      SaveShp(s, index, l.Fsource);
+      s.LyrErr = s.ShpErr;
+      ok = s.ShpErr == 0;
+    }
+    if (ok && (all || l.Dbf.DbfChanged)) {
+      s.DbfErr = 0;
+      SaveDbf(s, index);
+      ok = s.DbfErr == 0;
+    }
+  }
+  // The image and its world file are written by the raster side (ImgChanged, WorldChanged).
+  LyrLock(s, index, false, "");
+  if (ok) LogMsg(s, "Save Layer " + l.LyrName);
+  else LogMsg(s, " *** Save Layer " + l.LyrName + " has been canceled *** ");
+  s.host->LayerItemChanged(index);
+}
+
+} // namespace
+
+void SaveLyr(Session& s, int index) {
+  if (index < 1 || index > s.LyrCount || Canceled(s, index, "Save Layer")) return;
+  SaveRow(s, index, false);
+}
+
+void SaveLyrAll(Session& s, int index) {
+  if (index < 1 || index > s.LyrCount || Canceled(s, index, "Save Layer")) return;
+  SaveRow(s, index, true);
+}
+
+void SaveLyrAs(Session& s, int index, const std::string& path) {
+  if (index < 1 || index > s.LyrCount || Canceled(s, index, "Save Layer As")) return;
+  LyrRec& l = s.Lyr[index];
+  if (UCase(path) == UCase(l.Fsource)) return;
+  std::string oldName = l.LyrName;
+  LyrLock(s, index, true, "Save as Layer");
+  if (l.Shp.ShpType != 99) {
+    SaveShp(s, index, path);
+    bool ok = s.ShpErr == 0;
+    if (ok) {
+      s.DbfErr = 0;
+      SaveDbfAs(s, index, ReplaceExt(path, "dbf"));
+      ok = s.DbfErr == 0;
+    }
+    if (!ok) {
+      LogMsg(s, " *** Save Layer As has been canceled *** ");
+      LyrLock(s, index, false, "");
+      return;
+    }
+  }
+  // A frame layer's image is written under the new name by the raster side.
+  OpenLyrFile(s, index, path);
+  s.LastDir = FolderOf(path);
+  LyrLock(s, index, false, "");
+  LogMsg(s, "Save Layer " + oldName + " As " + path);
+  s.host->LayerListChanged();
+  s.host->MapRedraw();
+}
+
+void CloseLyrFiles(Session& s, int index) {
+  LyrRec& l = s.Lyr[index];
+  l.Net = NetBlock{};
+  CloseShp(s, index);
+  if (l.Dbf.DbfOpen || l.Dbf.SwapOpen) CloseDbf(s, index);
+  SizeRecs(s, index, 0);
+  s.Lyr[index].Shp.RecCount = 0;
+}
+
+void RemoveLyr(Session& s, int index, bool redraw) {
+  if (index < 1 || index > s.LyrCount || Canceled(s, index, "Remove Layer")) return;
+  LogMsg(s, "Remove Layer " + s.Lyr[index].LyrName);
+  s.ProjChanged = -1;
+  UndoPurgeLyr(s, s.Lyr[index].Fsource);
+  CloseLyrFiles(s, index);
+  for (int i = index; i < s.LyrCount; ++i) s.Lyr[i] = std::move(s.Lyr[i + 1]);
+  HeldLyrs& h = s.Held;
+  for (int* held : {&h.EdtLyr, &h.CurFeatureLyr, &h.AddVertexLyr, &s.ActiveLyr})
+    if (*held == index) *held = 0;
+  s.LyrCount -= 1;
+  s.Lyr.Resize(s.LyrCount);
+  if (s.ActiveLyr > s.LyrCount) s.ActiveLyr = 0;
+  s.host->LayerListChanged();
+  if (redraw) s.host->MapRedraw();
+}
+
+namespace {
+
+// Yes saves and goes on, No goes on, Cancel stops.
+bool AskSaveChanges(Session& s, int index, const std::string& title) {
+  LyrRec& l = s.Lyr[index];
+  MsgAnswer a = s.host->MsgBox("  Would you like to save the changes in layer " + l.LyrName +
+                                   " to " + l.Fsource + " ?   \n",
+                               title, MsgButtons::YesNoCancel, MsgAnswer::Cancel);
+  if (a == MsgAnswer::Cancel) return false;
+  if (a == MsgAnswer::Yes) SaveLyr(s, index);
+  return true;
+}
+
+} // namespace
+
+bool ConfirmRemoveLyr(Session& s, int index) {
+  if (index < 1 || index > s.LyrCount) return false;
+  const std::string title = " Remove layer Message Box ";
+  if (HasChanges(s.Lyr[index])) return AskSaveChanges(s, index, title);
+  return s.host->MsgBox("  Are you sure you would like to remove layer " + s.Lyr[index].LyrName +
+                            " ?   \n",
+                        title, MsgButtons::YesNo, MsgAnswer::Yes) == MsgAnswer::Yes;
+}
+
+bool ConfirmReloadLyr(Session& s, int index) {
+  if (index < 1 || index > s.LyrCount) return false;
+  if (!HasChanges(s.Lyr[index])) return true;
+  return AskSaveChanges(s, index, " Reload layer Message Box ");
+}
+
+bool ConfirmCloseProject(Session& s, const std::function<bool(Session&)>& saveProject) {
+  if (s.LyrCount == 0) return true;
+  bool changed = s.ProjChanged != 0;
+  for (int i = 1; i <= s.LyrCount && !changed; ++i) changed = HasChanges(s.Lyr[i]);
+  if (!changed) return true;
+  MsgAnswer a = s.host->MsgBox("  Would you like to save the changes to " + s.ProjFile + " ?   ",
+                               " Close Project Message Box ", MsgButtons::YesNoCancel,
+                               MsgAnswer::Cancel);
+  if (a == MsgAnswer::Cancel) return false;
+  if (a == MsgAnswer::No) return true;
+  return saveProject && saveProject(s);
+}
+
+void ReloadLyr(Session& s, int index) {
+  if (index < 1 || index > s.LyrCount || Canceled(s, index, "Reload Layer")) return;
+  if (!ConfirmReloadLyr(s, index)) return;
+  OpenLyrFile(s, index, s.Lyr[index].Fsource);
+  LogMsg(s, "Reload Layer " + s.Lyr[index].LyrName);
+  s.host->MapRedraw();
+}
+
+void SetLyrDataSource(Session& s, int index, const std::string& path) {
+  if (index < 1 || index > s.LyrCount || LyrIsBusyMsg(s, index)) return;
+  OpenLyrFile(s, index, path);
+  s.LastDir = FolderOf(path);
+  s.ProjChanged = -1;
+  LogMsg(s, "Set data Source Layer " + s.Lyr[index].LyrName);
+  s.host->MapRedraw();
+}
+
+void CloseAllLyrs(Session& s) {
+  for (int i = s.LyrCount; i >= 1; --i) CloseLyrFiles(s, i);
+  s.LyrCount = 0;
+  s.Lyr.Resize(0);
+  s.ActiveLyr = 0;
+}
+
+} // namespace velmora

@@ -1,0 +1,30 @@
+#pragma once
+// What the reader, the writer and the record side share inside the store.
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "session/session.h"
+
+namespace velmora::shpio {
+
+// A whole file read into memory. False when the file can't be opened or read.
+struct FileBytes {
+  std::unique_ptr<uint8_t[]> data;
+  size_t size = 0;
+};
+bool ReadWholeFile(const std::string& path, FileBytes& out);
+
+// The frame record of slot 0: one part of five vertices.
+void MakeFrameRecord(ShpRecord& r);
+// Sets the record to the state of a deleted empty feature: no counters, one empty part
+// holding one point at (x, y), the box on that point.
+void MakeEmptyDeleted(ShpRecord& r, double x, double y);
+// The vertex, Z and M arrays of `part` made to fit `shapeType`.
+void FitPartToType(ShpPart& part, int shapeType);
+
+// Content length of a record in 16-bit words; -1 where the type has no case.
+int64_t ShpContentLength(const ShpRecord& r);
+
+} // namespace velmora::shpio
