@@ -63,6 +63,9 @@ public:
     (void)title, (void)filter, (void)defaultName;
     return "";
   }
+  // Cells of the layer changed outside its table (undo and redo of data edits): the open
+  // table, Identify and Edit Feature refresh their rows if they show this layer.
+  virtual void TableDataChanged(int lyr) { (void)lyr; }
 };
 
 } // namespace velmora

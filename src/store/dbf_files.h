@@ -1,0 +1,56 @@
+#pragma once
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace velmora {
+
+// One open file of the attribute store, read and written at offsets. Reads go through a
+// read-ahead window, so that a walk over the rows in file order costs one system call a
+// window instead of one a row; writes go straight to the file and into the window.
+class WindowedFile {
+public:
+  enum class Mode { Read, ReadWrite, Create };
+
+  WindowedFile() = default;
+  ~WindowedFile() { Close(); }
+  WindowedFile(const WindowedFile&) = delete;
+  WindowedFile& operator=(const WindowedFile&) = delete;
+
+  bool Open(const std::string& path, Mode mode);
+  void Close();
+  bool IsOpen() const { return fd_ >= 0; }
+  bool Writable() const { return writable_; }
+  int Fd() const { return fd_; }
+  // Length of the file now; -1 when closed.
+  int64_t Size() const;
+  // Reads up to `n` bytes at `off`; returns how many there were.
+  size_t ReadAt(uint64_t off, void* dst, size_t n);
+  bool WriteAt(uint64_t off, const void* src, size_t n);
+
+private:
+  int fd_ = -1;
+  bool writable_ = false;
+  std::vector<uint8_t> win_;
+  uint64_t winOff_ = 0;
+  size_t winLen_ = 0; // valid bytes of the window
+};
+
+// The open dbf and swap files of a layer (DbfBlock::Files). When the last row holding it
+// goes, the files are closed and a swap file left behind is deleted.
+struct DbfFiles {
+  std::string DbfPath;
+  WindowedFile Dbf;
+  std::string SwapPath;
+  WindowedFile Swap;
+  // The row held by each slot of the swap file, so that a save visits only those rows.
+  std::vector<int32_t> SlotRows;
+
+  DbfFiles() = default;
+  ~DbfFiles();
+  DbfFiles(const DbfFiles&) = delete;
+  DbfFiles& operator=(const DbfFiles&) = delete;
+};
+
+} // namespace velmora
