@@ -58,7 +58,9 @@ std::string DialogList(Session& s, bool toolsOnly) {
   return out;
 }
 
-bool InTable(const Session& s, int n) { return n >= -kWorkSlots && n <= s.LyrCount; }
+bool InTable(const Session& s, int n) {
+  return n >= -kWorkSlots && n <= s.LyrCount;
+}
 
 } // namespace
 
@@ -69,7 +71,9 @@ void LyrLock(Session& s, int n, bool on, const std::string& funcName) {
   if (s.MapView.MapTarget == 1) s.host->BlockTable(n, on);
 }
 
-bool LyrIsBusy(const Session& s, int n) { return InTable(s, n) && s.Lyr[n].LyrBusy != 0; }
+bool LyrIsBusy(const Session& s, int n) {
+  return InTable(s, n) && s.Lyr[n].LyrBusy != 0;
+}
 
 bool LyrIsBusyMsg(Session& s, int n) {
   if (!LyrIsBusy(s, n)) return false;
@@ -153,8 +157,12 @@ void NormalCursor(Session& s) {
   if (s.MapView.MapTarget == 1) s.host->WaitCursor(false);
 }
 
-std::string OpenDialogs(Session& s) { return DialogList(s, false); }
-std::string OpenToolDialogs(Session& s) { return DialogList(s, true); }
+std::string OpenDialogs(Session& s) {
+  return DialogList(s, false);
+}
+std::string OpenToolDialogs(Session& s) {
+  return DialogList(s, true);
+}
 
 bool DialogsBlock(Session& s, const std::string& what) {
   std::string list = OpenDialogs(s);

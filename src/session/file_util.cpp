@@ -10,7 +10,9 @@
 namespace velmora {
 
 namespace {
-size_t LastSep(const std::string& p) { return p.find_last_of("/\\"); }
+size_t LastSep(const std::string& p) {
+  return p.find_last_of("/\\");
+}
 } // namespace
 
 std::string NativePath(const std::string& path) {
@@ -48,8 +50,7 @@ std::string ExtOf(const std::string& path) {
 std::string ChangeExt(const std::string& path, const std::string& ext) {
   size_t dot = path.rfind('.');
   size_t sep = LastSep(path);
-  if (dot == std::string::npos || (sep != std::string::npos && dot < sep))
-    return path + "." + ext;
+  if (dot == std::string::npos || (sep != std::string::npos && dot < sep)) return path + "." + ext;
   return path.substr(0, dot + 1) + ext;
 }
 
@@ -75,8 +76,12 @@ std::string TempName(const std::string& folder, const std::string& prefix) {
   return "";
 }
 
-uint32_t SwapBytes32(uint32_t n) { return __builtin_bswap32(n); }
-uint16_t SwapBytes16(uint16_t n) { return __builtin_bswap16(n); }
+uint32_t SwapBytes32(uint32_t n) {
+  return __builtin_bswap32(n);
+}
+uint16_t SwapBytes16(uint16_t n) {
+  return __builtin_bswap16(n);
+}
 
 bool ReadLStr(std::FILE* f, std::string& s) {
   uint8_t b[4];

@@ -8,7 +8,7 @@ namespace velmora {
 // Path helpers. "/" is the separator; "\" is accepted as well, so that paths written
 // on other systems still open.
 bool FileExists(const std::string& path);
-void KillFile(const std::string& path); // no error when missing
+void KillFile(const std::string& path);          // no error when missing
 std::string FileNameOf(const std::string& path); // all behind the last separator
 std::string FolderOf(const std::string& path);   // all up to and with the last separator
 std::string ExtOf(const std::string& path);      // lower-cased, without the point

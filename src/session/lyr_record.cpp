@@ -42,7 +42,9 @@ void SetEForeColor(LyrRec& l, uint8_t r, uint8_t g, uint8_t b) {
 void SetEFillColor(LyrRec& l, uint8_t r, uint8_t g, uint8_t b) {
   SetPair(l.EFillColor, l.EFillRGB, r, g, b);
 }
-void SetLColor(LyrRec& l, uint8_t r, uint8_t g, uint8_t b) { SetPair(l.LColor, l.LRGB, r, g, b); }
+void SetLColor(LyrRec& l, uint8_t r, uint8_t g, uint8_t b) {
+  SetPair(l.LColor, l.LRGB, r, g, b);
+}
 void SetNForeColor(LyrRec& l, uint8_t r, uint8_t g, uint8_t b) {
   SetPair(l.NForeColor, l.NForeRGB, r, g, b);
 }
@@ -56,12 +58,26 @@ RGB3 GetCForeRGB(const LyrRec& l, int cls) {
 RGB3 GetCFillRGB(const LyrRec& l, int cls) {
   return size_t(cls) < l.CFillRGB.size() ? l.CFillRGB[size_t(cls)] : RGB3{};
 }
-RGB3 GetSForeRGB(const LyrRec& l) { return l.SForeRGB; }
-RGB3 GetSFillRGB(const LyrRec& l) { return l.SFillRGB; }
-RGB3 GetEForeRGB(const LyrRec& l) { return l.EForeRGB; }
-RGB3 GetEFillRGB(const LyrRec& l) { return l.EFillRGB; }
-RGB3 GetLRGB(const LyrRec& l) { return l.LRGB; }
-RGB3 GetNForeRGB(const LyrRec& l) { return l.NForeRGB; }
-RGB3 GetNFillRGB(const LyrRec& l) { return l.NFillRGB; }
+RGB3 GetSForeRGB(const LyrRec& l) {
+  return l.SForeRGB;
+}
+RGB3 GetSFillRGB(const LyrRec& l) {
+  return l.SFillRGB;
+}
+RGB3 GetEForeRGB(const LyrRec& l) {
+  return l.EForeRGB;
+}
+RGB3 GetEFillRGB(const LyrRec& l) {
+  return l.EFillRGB;
+}
+RGB3 GetLRGB(const LyrRec& l) {
+  return l.LRGB;
+}
+RGB3 GetNForeRGB(const LyrRec& l) {
+  return l.NForeRGB;
+}
+RGB3 GetNFillRGB(const LyrRec& l) {
+  return l.NFillRGB;
+}
 
 } // namespace velmora

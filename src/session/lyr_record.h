@@ -87,10 +87,18 @@ struct LyrRec {
 };
 
 // The extent words of the .shp header.
-inline double& LeftExtend(LyrRec& l) { return l.Shp.ShpHeader.Xmin; }
-inline double& BottomExtend(LyrRec& l) { return l.Shp.ShpHeader.Ymin; }
-inline double& RightExtend(LyrRec& l) { return l.Shp.ShpHeader.Xmax; }
-inline double& TopExtend(LyrRec& l) { return l.Shp.ShpHeader.Ymax; }
+inline double& LeftExtend(LyrRec& l) {
+  return l.Shp.ShpHeader.Xmin;
+}
+inline double& BottomExtend(LyrRec& l) {
+  return l.Shp.ShpHeader.Ymin;
+}
+inline double& RightExtend(LyrRec& l) {
+  return l.Shp.ShpHeader.Xmax;
+}
+inline double& TopExtend(LyrRec& l) {
+  return l.Shp.ShpHeader.Ymax;
+}
 
 // The colour setters keep the packed colour and its three bytes in step.
 void SetCForeColor(LyrRec& l, int cls, uint8_t r, uint8_t g, uint8_t b);

@@ -13,7 +13,9 @@ int FindFreeWorkLyr(const Session& s) {
   return -kWorkSlots; // all taken: not provided for; the last slot is shared
 }
 
-void ClearLyr(Session& s, int n) { s.Lyr[n] = LyrRec{}; }
+void ClearLyr(Session& s, int n) {
+  s.Lyr[n] = LyrRec{};
+}
 
 void SetLyrDefaults(Session& s, int n) {
   LyrRec& l = s.Lyr[n];

@@ -2,12 +2,18 @@
 
 namespace velmora {
 
-Session::Session() : host(nullptr), ownHost_(std::make_unique<Host>()) { host = ownHost_.get(); }
+Session::Session() : host(nullptr), ownHost_(std::make_unique<Host>()) {
+  host = ownHost_.get();
+}
 
 Session::Session(Host& h) : host(&h) {}
 
-double Rnd(Session& s) { return std::generate_canonical<double, 32>(s.Rng); }
+double Rnd(Session& s) {
+  return std::generate_canonical<double, 32>(s.Rng);
+}
 
-void Randomize(Session& s, uint32_t seed) { s.Rng.seed(seed); }
+void Randomize(Session& s, uint32_t seed) {
+  s.Rng.seed(seed);
+}
 
 } // namespace velmora
