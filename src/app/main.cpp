@@ -1,1 +1,74 @@
-int main() { return 0; }
+// velmora: the window, or with --headless the same start-up without one.
+#include <QApplication>
+#include <QCoreApplication>
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "platform/headless_host.h"
+#include "platform/qt/qt_host.h"
+#include "session/cmd_line.h"
+#include "session/layer_life.h"
+#include "session/start_session.h"
+#include "ui/main_window.h"
+
+using namespace velmora;
+
+namespace {
+
+std::string ProgramDir() {
+  std::string dir = FromQ(QCoreApplication::applicationDirPath());
+  if (!dir.empty() && dir.back() != '/') dir += '/';
+  return dir;
+}
+
+int RunHeadless(int argc, char** argv, const std::vector<std::string>& args) {
+  // No window, but the application object finds the image codecs and the program's folder.
+  QCoreApplication app(argc, argv);
+  HeadlessHost host;
+  Session s(host);
+  s.ProgramDir = ProgramDir();
+  s.GdipReady = ImageCodecsReady();
+  StartSession(s, args);
+  CloseAllLyrs(s);
+  return 0;
+}
+
+int RunWindow(int argc, char** argv) {
+  QApplication app(argc, argv); // takes Qt's own options out of argv
+  CmdLineOpts o = ParseCmdLine(std::vector<std::string>(argv + 1, argv + argc));
+  QtHost host;
+  Session s(host);
+  s.ProgramDir = ProgramDir();
+  s.GdipReady = ImageCodecsReady();
+  MainWindow w(s, host);
+  w.show();
+  if (StartSession(s, o.Args)) {
+    CloseAllLyrs(s);
+    return 0;
+  }
+  w.ShowLog();
+  return app.exec();
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+  CmdLineOpts o = ParseCmdLine(std::vector<std::string>(argv + 1, argv + argc));
+  switch (o.Mode) {
+  case RunMode::Help:
+    std::fputs(UsageText().c_str(), stdout);
+    return 0;
+  case RunMode::Version:
+    std::puts(VersionText().c_str());
+    return 0;
+  case RunMode::Misuse:
+    std::fprintf(stderr, "%s\n", o.Error.c_str());
+    return 2;
+  case RunMode::Headless:
+    return RunHeadless(argc, argv, o.Args);
+  case RunMode::Window:
+    break;
+  }
+  return RunWindow(argc, argv);
+}

@@ -1,0 +1,106 @@
+#include "platform/qt/qt_host.h"
+
+#include <QApplication>
+#include <QCoreApplication>
+#include <QDesktopServices>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QImageReader>
+#include <QMessageBox>
+#include <QProcess>
+#include <QUrl>
+
+namespace velmora {
+
+QString QtFilter(const std::string& filter) {
+  // Description and pattern alternate; the description already names the pattern.
+  QStringList parts = ToQ(filter).split('|');
+  QStringList out;
+  for (qsizetype i = 0; i + 1 < parts.size(); i += 2) {
+    QString desc = parts[i];
+    QString pattern = parts[i + 1];
+    pattern.replace(';', ' ');
+    if (pattern == "*.*") pattern = "*";
+    if (desc.contains('(')) desc = desc.left(desc.indexOf('(')).trimmed();
+    out << desc + " (" + pattern + ")";
+  }
+  return out.join(";;");
+}
+
+bool ImageCodecsReady() {
+  const QList<QByteArray> formats = QImageReader::supportedImageFormats();
+  return formats.contains("tiff") && formats.contains("png");
+}
+
+void QtHost::Yield() {
+  QCoreApplication::processEvents(QEventLoop::AllEvents);
+}
+
+MsgAnswer QtHost::MsgBox(const std::string& text, const std::string& title, MsgButtons buttons,
+                         MsgAnswer dflt) {
+  QMessageBox::StandardButtons set = QMessageBox::Ok;
+  if (buttons == MsgButtons::YesNo) set = QMessageBox::Yes | QMessageBox::No;
+  if (buttons == MsgButtons::YesNoCancel)
+    set = QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel;
+  QMessageBox::StandardButton def = QMessageBox::Ok;
+  if (dflt == MsgAnswer::Yes) def = QMessageBox::Yes;
+  if (dflt == MsgAnswer::No) def = QMessageBox::No;
+  if (dflt == MsgAnswer::Cancel) def = QMessageBox::Cancel;
+
+  QMessageBox box(buttons == MsgButtons::OkOnly ? QMessageBox::Information : QMessageBox::Question,
+                  ToQ(title), ToQ(text), set, window_.data());
+  box.setDefaultButton(def);
+  switch (box.exec()) {
+  case QMessageBox::Yes:
+    return MsgAnswer::Yes;
+  case QMessageBox::No:
+    return MsgAnswer::No;
+  case QMessageBox::Cancel:
+    return MsgAnswer::Cancel;
+  case QMessageBox::Ok:
+    return MsgAnswer::Ok;
+  default:
+    return buttons == MsgButtons::OkOnly ? MsgAnswer::Ok : MsgAnswer::Cancel;
+  }
+}
+
+void QtHost::Beep() {
+  QApplication::beep();
+}
+
+void QtHost::WaitCursor(bool on) {
+  if (on == waitCursor_) return;
+  waitCursor_ = on;
+  if (on)
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+  else
+    QApplication::restoreOverrideCursor();
+}
+
+bool QtHost::IsDialogOpen(const std::string& caption) {
+  const QString title = ToQ(caption);
+  for (QWidget* w : QApplication::topLevelWidgets())
+    if (w->isVisible() && w != window_ && w->windowTitle() == title) return true;
+  return false;
+}
+
+bool QtHost::ShellOpen(const std::string& path) {
+  QString p = ToQ(path);
+  QUrl url(p, QUrl::StrictMode);
+  // A path is opened as a file; only a real scheme ("http:", not a drive "C:") is a URL.
+  if (url.scheme().size() < 2 || p.startsWith('/'))
+    url = QUrl::fromLocalFile(QFileInfo(p).absoluteFilePath());
+  return QDesktopServices::openUrl(url);
+}
+
+bool QtHost::StartSecondProcess() {
+  return QProcess::startDetached(QCoreApplication::applicationFilePath(), {});
+}
+
+std::string QtHost::SaveFileDialog(const std::string& title, const std::string& filter,
+                                   const std::string& defaultName) {
+  return FromQ(
+      QFileDialog::getSaveFileName(window_.data(), ToQ(title), ToQ(defaultName), QtFilter(filter)));
+}
+
+} // namespace velmora

@@ -1,0 +1,66 @@
+#pragma once
+#include <QObject>
+#include <QPointer>
+#include <QString>
+#include <QWidget>
+#include <string>
+
+#include "platform/host.h"
+
+namespace velmora {
+
+inline QString ToQ(const std::string& s) {
+  return QString::fromUtf8(s.data(), qsizetype(s.size()));
+}
+inline std::string FromQ(const QString& s) {
+  return s.toUtf8().toStdString();
+}
+
+// "Layer files (*.shp)|*.shp|All files (*.*)|*.*" as a Qt file dialog filter.
+QString QtFilter(const std::string& filter);
+// Are the codecs for TIFF and PNG images there?
+bool ImageCodecsReady();
+
+// The host of a session with a window. What the window shows (the log, the progress, the
+// running function's caption, the layer list) is passed on as signals; the window that
+// owns the session connects to them.
+class QtHost : public QObject, public Host {
+  Q_OBJECT
+public:
+  explicit QtHost(QObject* parent = nullptr) : QObject(parent) {}
+  // The window over which message boxes and file dialogs open.
+  void SetWindow(QWidget* w) { window_ = w; }
+
+  void Yield() override;
+  MsgAnswer MsgBox(const std::string& text, const std::string& title, MsgButtons buttons,
+                   MsgAnswer dflt) override;
+  void Beep() override;
+  void LogAppended(const std::string& msg) override { emit logAppended(ToQ(msg)); }
+  void WaitCursor(bool on) override;
+  void Progress(long long value, long long max) override { emit progressChanged(value, max); }
+  void FuncText(const std::string& text) override { emit funcTextChanged(ToQ(text)); }
+  void LayerListChanged() override { emit layerListChanged(); }
+  void LayerItemChanged(int lyr) override { emit layerItemChanged(lyr); }
+  void MapRedraw() override { emit mapRedrawRequested(); }
+  void BlockTable(int lyr, bool blocked) override { emit tableBlocked(lyr, blocked); }
+  bool IsDialogOpen(const std::string& caption) override;
+  bool ShellOpen(const std::string& path) override;
+  bool StartSecondProcess() override;
+  std::string SaveFileDialog(const std::string& title, const std::string& filter,
+                             const std::string& defaultName) override;
+
+signals:
+  void logAppended(const QString& msg);
+  void progressChanged(qint64 value, qint64 max);
+  void funcTextChanged(const QString& text);
+  void layerListChanged();
+  void layerItemChanged(int lyr);
+  void mapRedrawRequested();
+  void tableBlocked(int lyr, bool blocked);
+
+private:
+  QPointer<QWidget> window_;
+  bool waitCursor_ = false;
+};
+
+} // namespace velmora

@@ -1,0 +1,10 @@
+#pragma once
+#include "session/session.h"
+
+namespace velmora {
+
+// Copies the feature snapshot of the current journal entry back over record `rec` of
+// `lyr`: what LOADREDOUNDO FEATURE and SAVEREDOUNDO FEATURE do.
+void UndoLoadRec(Session& s, int lyr, int rec);
+
+} // namespace velmora
