@@ -4,6 +4,7 @@
 #include <array>
 #include <utility>
 
+#include "platform/image_io.h"
 #include "session/busy.h"
 #include "session/file_util.h"
 #include "session/log.h"
@@ -11,6 +12,7 @@
 #include "session/undo.h"
 #include "store/dbf_store.h"
 #include "store/shp_store.h"
+#include "view/raster_layer.h"
 
 namespace velmora {
 
@@ -32,9 +34,13 @@ constexpr std::array<std::pair<const char*, int>, 13> kKinds = {{
     {"MASKLAYOUT", 100},
 }};
 
-bool IsPointKind(int t) { return t == 1 || t == 8 || t == 11 || t == 18 || t == 21 || t == 28; }
+bool IsPointKind(int t) {
+  return t == 1 || t == 8 || t == 11 || t == 18 || t == 21 || t == 28;
+}
 
-bool HasChanges(const LyrRec& l) { return l.Shp.ShpChanged || l.Dbf.DbfChanged; }
+bool HasChanges(const LyrRec& l) {
+  return l.Shp.ShpChanged || l.Dbf.DbfChanged;
+}
 
 bool Canceled(Session& s, int index, const std::string& op) {
   if (!LyrIsBusyMsg(s, index)) return false;
@@ -61,8 +67,10 @@ void OpenShapeRow(Session& s, int index, const std::string& path) {
   OpenDbf(s, index, dbf);
   if (s.DbfErr == 1) {
     s.DbfErr = 0;
-    if (r.Shp.ShpType == 100) NewDbfMask(s, index, dbf);
-    else NewDbfDefault(s, index, dbf);
+    if (r.Shp.ShpType == 100)
+      NewDbfMask(s, index, dbf);
+    else
+      NewDbfDefault(s, index, dbf);
     if (s.DbfErr) {
       s.LyrErr = s.DbfErr;
       return;
@@ -81,12 +89,20 @@ void OpenShapeRow(Session& s, int index, const std::string& path) {
   }
 }
 
-// Images are opened by the raster side of the view, which this build does not carry yet:
-// the row stays closed and the open reports a failure.
 void OpenImageRow(Session& s, int index, const std::string& path) {
-  (void)path;
-  s.Lyr[index].LyrKind = 0;
-  s.LyrErr = 1;
+  OpenImage(s, index, path);
+  LyrRec& l = s.Lyr[index];
+  if (s.LyrErr || l.LyrKind != 2) {
+    l.LyrKind = 0;
+    if (!s.LyrErr) s.LyrErr = 1;
+    return;
+  }
+  l.LyrName = FileNameOf(path);
+  if (l.CDrawStyle.empty()) SizeClasses(l, 0);
+  l.CDrawStyle[0] = 5;
+  SetEForeColor(l, 0, 0, 255);
+  SetEFillColor(l, 255, 0, 0);
+  l.SSelectable = 0;
 }
 
 } // namespace
@@ -159,8 +175,7 @@ void AddShape(Session& s, const std::string& pathIn, bool readOnly) {
 void CheckFirstLyrUnits(Session& s, int index) {
   if (s.LyrCount != 1) return;
   LyrRec& l = s.Lyr[index];
-  if (LeftExtend(l) < -360 || TopExtend(l) > 180 || RightExtend(l) > 360 ||
-      BottomExtend(l) < -180)
+  if (LeftExtend(l) < -360 || TopExtend(l) > 180 || RightExtend(l) > 360 || BottomExtend(l) < -180)
     s.MapUnit = 1;
 }
 
@@ -202,10 +217,19 @@ void SaveRow(Session& s, int index, bool all) {
       ok = s.DbfErr == 0;
     }
   }
-  // The image and its world file are written by the raster side (ImgChanged, WorldChanged).
+  if (ok && l.Img.ImgChanged) {
+    ok = SaveImage(s, index, l.Fsource);
+    if (ok) l.Img.ImgChanged = 0;
+  }
+  if (ok && l.Img.WorldChanged) {
+    SaveWorld(s, index, l.Fsource);
+    l.Img.WorldChanged = 0;
+  }
   LyrLock(s, index, false, "");
-  if (ok) LogMsg(s, "Save Layer " + l.LyrName);
-  else LogMsg(s, " *** Save Layer " + l.LyrName + " has been canceled *** ");
+  if (ok)
+    LogMsg(s, "Save Layer " + l.LyrName);
+  else
+    LogMsg(s, " *** Save Layer " + l.LyrName + " has been canceled *** ");
   s.host->LayerItemChanged(index);
 }
 
@@ -241,7 +265,11 @@ void SaveLyrAs(Session& s, int index, const std::string& path) {
       return;
     }
   }
-  // A frame layer's image is written under the new name by the raster side.
+  if (l.Shp.ShpType == 99 && !SaveImageAs(s, index, path)) {
+    LogMsg(s, " *** Save Layer As has been canceled *** ");
+    LyrLock(s, index, false, "");
+    return;
+  }
   OpenLyrFile(s, index, path);
   s.LastDir = FolderOf(path);
   LyrLock(s, index, false, "");
@@ -252,6 +280,8 @@ void SaveLyrAs(Session& s, int index, const std::string& path) {
 
 void CloseLyrFiles(Session& s, int index) {
   LyrRec& l = s.Lyr[index];
+  if (l.Img.ImgPic && s.host->Images()) s.host->Images()->Free(l.Img.ImgPic);
+  l.Img = ImgBlock{};
   l.Net = NetBlock{};
   CloseShp(s, index);
   if (l.Dbf.DbfOpen || l.Dbf.SwapOpen) CloseDbf(s, index);
@@ -311,9 +341,9 @@ bool ConfirmCloseProject(Session& s, const std::function<bool(Session&)>& savePr
   bool changed = s.ProjChanged != 0;
   for (int i = 1; i <= s.LyrCount && !changed; ++i) changed = HasChanges(s.Lyr[i]);
   if (!changed) return true;
-  MsgAnswer a = s.host->MsgBox("  Would you like to save the changes to " + s.ProjFile + " ?   ",
-                               " Close Project Message Box ", MsgButtons::YesNoCancel,
-                               MsgAnswer::Cancel);
+  MsgAnswer a =
+      s.host->MsgBox("  Would you like to save the changes to " + s.ProjFile + " ?   ",
+                     " Close Project Message Box ", MsgButtons::YesNoCancel, MsgAnswer::Cancel);
   if (a == MsgAnswer::Cancel) return false;
   if (a == MsgAnswer::No) return true;
   return saveProject && saveProject(s);

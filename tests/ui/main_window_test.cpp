@@ -10,6 +10,7 @@
 #include <QUrl>
 
 #include "platform/qt/qt_host.h"
+#include "qt_app.h"
 #include "session/log.h"
 #include "session/start_session.h"
 #include "test_support.h"
@@ -19,13 +20,7 @@ using namespace velmora;
 
 namespace {
 
-QApplication& App() {
-  static int argc = 1;
-  static char name[] = "test_ui";
-  static char* argv[] = {name, nullptr};
-  static QApplication app(argc, argv);
-  return app;
-}
+using velmora::test::App;
 
 // The application object comes first: widgets need it when they are made.
 struct AppFirst {
