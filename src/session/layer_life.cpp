@@ -32,9 +32,13 @@ constexpr std::array<std::pair<const char*, int>, 13> kKinds = {{
     {"MASKLAYOUT", 100},
 }};
 
-bool IsPointKind(int t) { return t == 1 || t == 8 || t == 11 || t == 18 || t == 21 || t == 28; }
+bool IsPointKind(int t) {
+  return t == 1 || t == 8 || t == 11 || t == 18 || t == 21 || t == 28;
+}
 
-bool HasChanges(const LyrRec& l) { return l.Shp.ShpChanged || l.Dbf.DbfChanged; }
+bool HasChanges(const LyrRec& l) {
+  return l.Shp.ShpChanged || l.Dbf.DbfChanged;
+}
 
 bool Canceled(Session& s, int index, const std::string& op) {
   if (!LyrIsBusyMsg(s, index)) return false;
@@ -61,8 +65,10 @@ void OpenShapeRow(Session& s, int index, const std::string& path) {
   OpenDbf(s, index, dbf);
   if (s.DbfErr == 1) {
     s.DbfErr = 0;
-    if (r.Shp.ShpType == 100) NewDbfMask(s, index, dbf);
-    else NewDbfDefault(s, index, dbf);
+    if (r.Shp.ShpType == 100)
+      NewDbfMask(s, index, dbf);
+    else
+      NewDbfDefault(s, index, dbf);
     if (s.DbfErr) {
       s.LyrErr = s.DbfErr;
       return;
@@ -135,11 +141,11 @@ void AddShape(Session& s, const std::string& pathIn, bool readOnly) {
   WaitCursor(s);
   int before = s.LyrCount;
   NewLyrRow(s, path);
-  if (s.LyrErr == 1 || s.LyrCount == before) {
-    LogMsg(s, " *** Add Layer " + path + " has been canceled *** ");
-  } else if (s.LyrErr == 2) {
+  if (s.LyrErr == 2) {
     LogMsg(s, " *** Add Layer " + path +
                   " has been canceled, Please Open its Raster Image file Instead *** ");
+  } else if (s.LyrErr == 1 || s.LyrCount == before) {
+    LogMsg(s, " *** Add Layer " + path + " has been canceled *** ");
   } else {
     int n = s.LyrCount;
     s.ActiveLyr = n;
@@ -159,8 +165,7 @@ void AddShape(Session& s, const std::string& pathIn, bool readOnly) {
 void CheckFirstLyrUnits(Session& s, int index) {
   if (s.LyrCount != 1) return;
   LyrRec& l = s.Lyr[index];
-  if (LeftExtend(l) < -360 || TopExtend(l) > 180 || RightExtend(l) > 360 ||
-      BottomExtend(l) < -180)
+  if (LeftExtend(l) < -360 || TopExtend(l) > 180 || RightExtend(l) > 360 || BottomExtend(l) < -180)
     s.MapUnit = 1;
 }
 
@@ -204,8 +209,10 @@ void SaveRow(Session& s, int index, bool all) {
   }
   // The image and its world file are written by the raster side (ImgChanged, WorldChanged).
   LyrLock(s, index, false, "");
-  if (ok) LogMsg(s, "Save Layer " + l.LyrName);
-  else LogMsg(s, " *** Save Layer " + l.LyrName + " has been canceled *** ");
+  if (ok)
+    LogMsg(s, "Save Layer " + l.LyrName);
+  else
+    LogMsg(s, " *** Save Layer " + l.LyrName + " has been canceled *** ");
   s.host->LayerItemChanged(index);
 }
 
@@ -311,9 +318,9 @@ bool ConfirmCloseProject(Session& s, const std::function<bool(Session&)>& savePr
   bool changed = s.ProjChanged != 0;
   for (int i = 1; i <= s.LyrCount && !changed; ++i) changed = HasChanges(s.Lyr[i]);
   if (!changed) return true;
-  MsgAnswer a = s.host->MsgBox("  Would you like to save the changes to " + s.ProjFile + " ?   ",
-                               " Close Project Message Box ", MsgButtons::YesNoCancel,
-                               MsgAnswer::Cancel);
+  MsgAnswer a =
+      s.host->MsgBox("  Would you like to save the changes to " + s.ProjFile + " ?   ",
+                     " Close Project Message Box ", MsgButtons::YesNoCancel, MsgAnswer::Cancel);
   if (a == MsgAnswer::Cancel) return false;
   if (a == MsgAnswer::No) return true;
   return saveProject && saveProject(s);

@@ -46,9 +46,9 @@ struct DbfBlock {
   std::array<uint8_t, 20> DbfReserved{};
   uint8_t DbfFieldCount = 0;
   int32_t DbfCurRec = 0;
-  std::vector<DbfField> DbfFields;  // 0 .. DbfFieldCount
-  std::vector<uint8_t> DbfBuf;      // DbfRecLen + 1 bytes
-  std::vector<int32_t> SwapIndex;   // per row: its slot in the swap file, -1 in the dbf
+  std::vector<DbfField> DbfFields; // 0 .. DbfFieldCount
+  std::vector<uint8_t> DbfBuf;     // DbfRecLen + 1 bytes
+  std::vector<int32_t> SwapIndex;  // per row: its slot in the swap file, -1 in the dbf
   int32_t SwapTop = -1;
   int16_t DbfBufChanged = 0, DbfChanged = 0, DbfExists = 0, SwapOpen = 0, DbfOpen = 0;
   DataUndoJournal DataUndo;

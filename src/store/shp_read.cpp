@@ -110,8 +110,22 @@ private:
 
 bool Accepted(int t) {
   switch (t) {
-  case 0: case 1: case 3: case 5: case 8: case 11: case 13: case 15: case 18: case 21:
-  case 23: case 25: case 28: case 31: case 99: case 100:
+  case 0:
+  case 1:
+  case 3:
+  case 5:
+  case 8:
+  case 11:
+  case 13:
+  case 15:
+  case 18:
+  case 21:
+  case 23:
+  case 25:
+  case 28:
+  case 31:
+  case 99:
+  case 100:
     return true;
   default:
     return false;
@@ -123,7 +137,8 @@ bool Accepted(int t) {
 // it, the values stay zero.
 void ReadMeasureBlock(ShpCursor& c, ShpRecord& r, bool isZ, size_t contentEnd) {
   uint64_t need = 16;
-  for (const ShpPart& p : r.Parts()) need += 8 * uint64_t(isZ ? p.PartZ().size() : p.PartM().size());
+  for (const ShpPart& p : r.Parts())
+    need += 8 * uint64_t(isZ ? p.PartZ().size() : p.PartM().size());
   if (!isZ && c.Pos() + need > contentEnd) {
     for (ShpPart& p : r.Parts()) std::fill(p.PartM().begin(), p.PartM().end(), 0.0);
     return;
@@ -233,8 +248,9 @@ void ReadRecordAt(ShpCursor& c, ShpArena& arena, LyrRec& L, ShpRecord& r) {
   L.Shp.RecHdrNumber = BE32(h);
   L.Shp.RecHdrLength = BE32(h + 4);
   int64_t stated = 2 * int64_t(L.Shp.RecHdrLength);
-  size_t contentEnd = stated < 0 ? c.Pos() : size_t(std::min<int64_t>(
-                                                  int64_t(c.Pos()) + stated, int64_t(SIZE_MAX / 2)));
+  size_t contentEnd =
+      stated < 0 ? c.Pos()
+                 : size_t(std::min<int64_t>(int64_t(c.Pos()) + stated, int64_t(SIZE_MAX / 2)));
   r.LabelReady = 0;
   int32_t t = c.I32();
   r.ShapeType = t;
@@ -252,8 +268,10 @@ void ReadRecordAt(ShpCursor& c, ShpArena& arena, LyrRec& L, ShpRecord& r) {
     ReadPoint(c, arena, r, t, contentEnd);
     return;
   }
-  if (IsMultiPoint(t)) ReadMultiPoint(c, arena, r, t, contentEnd);
-  else ReadLineLayout(c, arena, r, t, contentEnd);
+  if (IsMultiPoint(t))
+    ReadMultiPoint(c, arena, r, t, contentEnd);
+  else
+    ReadLineLayout(c, arena, r, t, contentEnd);
   if (r.NumParts == 0 || r.NumPoints == 0) {
     ShpRecord empty;
     MakeEmptyDeleted(empty, LeftExtend(L), TopExtend(L));
@@ -298,7 +316,8 @@ void LoadShpRecords(Session& s, int lyr, const std::string& path, const FileByte
     B.Arena = std::make_shared<ShpArena>();
     c.Seek(kHeaderBytes);
     while (c.Left() > 0) {
-      if (size_t(B.RecCount) + 1 >= B.ShpRecs.size()) B.ShpRecs.resize(B.ShpRecs.size() + size_t(step));
+      if (size_t(B.RecCount) + 1 >= B.ShpRecs.size())
+        B.ShpRecs.resize(B.ShpRecs.size() + size_t(step));
       ShpRecord& r = B.ShpRecs[size_t(B.RecCount) + 1];
       try {
         ReadRecordAt(c, *B.Arena, L, r);
@@ -343,8 +362,8 @@ void OpenShp(Session& s, int lyr, const std::string& path) {
       B.ShxOpen = 0;
     }
     FileBytes shp;
-    bool shpOk = FileExists(shpPath) && ReadWholeFile(shpPath, shp) &&
-                 shp.size >= size_t(kHeaderBytes);
+    bool shpOk =
+        FileExists(shpPath) && ReadWholeFile(shpPath, shp) && shp.size >= size_t(kHeaderBytes);
     if (shpOk) {
       ShpMainHeader h = DecodeHeader(shp.data.get());
       B.ShpOpen = h.FileCode == kFileCode ? -1 : 0;

@@ -59,7 +59,7 @@ public:
 
 private:
   double* blk_ = nullptr; // n XY pairs, then n Z if hasZ_, then n M if hasM_
-  uint32_t cap_ = 0; // vertices the block can hold; 0 = borrowed from an arena
+  uint32_t cap_ = 0;      // vertices the block can hold; 0 = borrowed from an arena
   bool hasZ_ = false, hasM_ = false;
 
   XY* pts() const { return reinterpret_cast<XY*>(blk_); }
@@ -146,8 +146,8 @@ struct ShpBlock {
   int32_t RecCount = 0;
   int16_t ShpOpen = 0, ShxOpen = 0;
   int16_t ShpChanged = 0;
-  int16_t ExtentStale = 0; // set by movement code: the extent must be recomputed
-  std::vector<ShpRecord> ShpRecs; // slot 0 is the frame record; capacity = ShpRecs.size() - 1
+  int16_t ExtentStale = 0;         // set by movement code: the extent must be recomputed
+  std::vector<ShpRecord> ShpRecs;  // slot 0 is the frame record; capacity = ShpRecs.size() - 1
   std::shared_ptr<ShpArena> Arena; // storage borrowed by the records read from the files
 
   // Records may borrow from Arena, so they always go before it.

@@ -21,17 +21,33 @@ namespace shpio {
 int64_t ShpContentLength(const ShpRecord& r) {
   int64_t P = r.NumParts, N = r.NumPoints;
   switch (r.ShapeType) {
-  case 1: return 10;
-  case 3: case 5: case 99: case 100: return 22 + 2 * P + 8 * N;
-  case 8: return 20 + 8 * N;
-  case 11: return 18;
-  case 13: case 15: return 38 + 2 * P + 16 * N;
-  case 18: return 36 + 16 * N;
-  case 21: return 14;
-  case 23: case 25: return 30 + 2 * P + 12 * N;
-  case 28: return 28 + 12 * N;
-  case 31: return 38 + 4 * P + 16 * N;
-  default: return -1;
+  case 1:
+    return 10;
+  case 3:
+  case 5:
+  case 99:
+  case 100:
+    return 22 + 2 * P + 8 * N;
+  case 8:
+    return 20 + 8 * N;
+  case 11:
+    return 18;
+  case 13:
+  case 15:
+    return 38 + 2 * P + 16 * N;
+  case 18:
+    return 36 + 16 * N;
+  case 21:
+    return 14;
+  case 23:
+  case 25:
+    return 30 + 2 * P + 12 * N;
+  case 28:
+    return 28 + 12 * N;
+  case 31:
+    return 38 + 4 * P + 16 * N;
+  default:
+    return -1;
   }
 }
 
@@ -77,6 +93,7 @@ public:
     if (pos - start_ >= kFlushAt) Flush(std::min(pos, start_ + int64_t(win_.size())));
   }
   void Finish() { Flush(start_ + int64_t(win_.size())); }
+  int64_t End() const { return start_ + int64_t(win_.size()); }
 
 private:
   static constexpr int64_t kFlushAt = 8 << 20;
@@ -148,8 +165,10 @@ void PutBox(RecBytes& o, const ShpRecord& r) {
 // their place.
 void PutValues(RecBytes& o, const ShpPart& p, bool isZ) {
   std::span<const double> v = isZ ? p.PartZ() : p.PartM();
-  if (!v.empty()) o.Raw(v.data(), 8 * v.size());
-  else o.Zeros(8 * p.Size());
+  if (!v.empty())
+    o.Raw(v.data(), 8 * v.size());
+  else
+    o.Zeros(8 * p.Size());
 }
 
 void PutContent(RecBytes& o, ShpRecord& r) {
@@ -273,8 +292,10 @@ void WriteLayer(Session& s, int lyr, const std::string& path, bool clean) {
         size_t ob = size_t(rec) / 8, nb = size_t(number) / 8;
         if (ob < L.SelBits.size() && nb < L.SelBits.size()) {
           bool on = L.SelBits[ob] & (1u << (rec % 8));
-          if (on) L.SelBits[nb] = uint8_t(L.SelBits[nb] | (1u << (number % 8)));
-          else L.SelBits[nb] = uint8_t(L.SelBits[nb] & ~(1u << (number % 8)));
+          if (on)
+            L.SelBits[nb] = uint8_t(L.SelBits[nb] | (1u << (number % 8)));
+          else
+            L.SelBits[nb] = uint8_t(L.SelBits[nb] & ~(1u << (number % 8)));
         }
       }
       // Advance; a record with no length of its own keeps its predecessor's.
@@ -305,6 +326,12 @@ void WriteLayer(Session& s, int lyr, const std::string& path, bool clean) {
     EncodeHeader(B.ShpHeader, hdr);
     shp.Write(0, hdr, sizeof hdr);
     shp.Finish();
+    // A deleted last record has only its type word written; the rest of its slot is left
+    // unwritten, and reads as zeros up to the length the header states, as it does for a
+    // deleted record anywhere else in the file.
+    int64_t stated = 2 * int64_t(B.ShpHeader.FileLength);
+    if (number > 0 && stated > shp.End() && stated - shp.End() <= 2 * int64_t(B.RecLength) + 8)
+      if (::ftruncate(files.shpFd, off_t(stated)) != 0) throw WriteFail{};
     PWriteAll(files.shxFd, shx.data(), shxEnd, 0);
   } catch (const WriteFail&) {
     s.ShpErr = 1;
@@ -324,9 +351,13 @@ void WriteLayer(Session& s, int lyr, const std::string& path, bool clean) {
 
 } // namespace
 
-void SaveShp(Session& s, int lyr, const std::string& path) { WriteLayer(s, lyr, path, false); }
+void SaveShp(Session& s, int lyr, const std::string& path) {
+  WriteLayer(s, lyr, path, false);
+}
 
-void SaveShpClean(Session& s, int lyr, const std::string& path) { WriteLayer(s, lyr, path, true); }
+void SaveShpClean(Session& s, int lyr, const std::string& path) {
+  WriteLayer(s, lyr, path, true);
+}
 
 void NewShp(Session& s, int lyr, const std::string& path, int shapeType) {
   s.ShpErr = 0;

@@ -33,7 +33,9 @@ int AddFeature(Session& s, std::vector<std::vector<XY>> parts) {
   return rec;
 }
 
-const ShpRecord& Rec(const Session& s, int rec) { return s.Lyr[1].Shp.ShpRecs[size_t(rec)]; }
+const ShpRecord& Rec(const Session& s, int rec) {
+  return s.Lyr[1].Shp.ShpRecs[size_t(rec)];
+}
 
 } // namespace
 
@@ -217,8 +219,8 @@ TEST(ShpMeasures, LengthsAndAreasFollowTheirSettledDefinitions) {
   Session s;
   NewLayer(s, 5);
   // A square with a hole that winds the other way: the area counts both rings.
-  int r = AddFeature(s, {{{0, 0}, {0, 10}, {10, 10}, {10, 0}, {0, 0}},
-                         {{2, 2}, {4, 2}, {4, 4}, {2, 4}, {2, 2}}});
+  int r = AddFeature(
+      s, {{{0, 0}, {0, 10}, {10, 10}, {10, 0}, {0, 0}}, {{2, 2}, {4, 2}, {4, 4}, {2, 4}, {2, 2}}});
   EXPECT_EQ(PartArea(s, 1, r, 0), 100);
   EXPECT_EQ(RecArea(s, 1, r), 104);
   EXPECT_EQ(PartLengthPlain(s, 1, r, 0), 40);
