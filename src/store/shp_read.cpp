@@ -3,6 +3,7 @@
 #include <cmath>
 #include <fcntl.h>
 #include <new>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -19,27 +20,46 @@ using namespace shpio;
 
 namespace shpio {
 
+FileBytes::~FileBytes() {
+  if (map_) ::munmap(map_, size);
+}
+
 bool ReadWholeFile(const std::string& path, FileBytes& out) {
   int fd = ::open(NativePath(path).c_str(), O_RDONLY | O_CLOEXEC);
   if (fd < 0) return false;
   struct stat st;
   bool ok = ::fstat(fd, &st) == 0 && S_ISREG(st.st_mode);
-  if (ok) {
+  if (ok && st.st_size > 0) {
     out.size = size_t(st.st_size);
-    out.data = std::make_unique_for_overwrite<uint8_t[]>(out.size ? out.size : 1);
+    // Mapped, the file is read once, by the page cache, in big pieces.
+    void* m = ::mmap(nullptr, out.size, PROT_READ, MAP_PRIVATE | MAP_POPULATE, fd, 0);
+    if (m != MAP_FAILED) {
+      out.map_ = static_cast<uint8_t*>(m);
+      ::madvise(m, out.size, MADV_SEQUENTIAL);
+      ::close(fd);
+      return true;
+    }
+    out.buf_ = std::make_unique_for_overwrite<uint8_t[]>(out.size);
     size_t got = 0;
-    while (ok && got < out.size) {
-      ssize_t n = ::read(fd, out.data.get() + got, out.size - got);
-      if (n <= 0) {
-        ok = n == 0 && got > 0; // a file that shrank under us: keep what was there
-        out.size = got;
-        break;
-      }
+    while (got < out.size) {
+      ssize_t n = ::read(fd, out.buf_.get() + got, out.size - got);
+      if (n <= 0) break; // a file that shrank under us: keep what was there
       got += size_t(n);
     }
+    out.size = got;
+  } else if (ok) {
+    out.size = 0;
+    out.buf_ = std::make_unique<uint8_t[]>(1);
   }
   ::close(fd);
   return ok;
+}
+
+void AdviseHugePages(void* p, size_t bytes) {
+  constexpr uintptr_t kPage = 4096;
+  uintptr_t a = (reinterpret_cast<uintptr_t>(p) + kPage - 1) & ~(kPage - 1);
+  uintptr_t e = (reinterpret_cast<uintptr_t>(p) + bytes) & ~(kPage - 1);
+  if (e > a + (2u << 20)) ::madvise(reinterpret_cast<void*>(a), e - a, MADV_HUGEPAGE);
 }
 
 void MakeFrameRecord(ShpRecord& r) {
@@ -290,7 +310,7 @@ void LoadShpRecords(Session& s, int lyr, const std::string& path, const FileByte
                     const IndexFile* shx) {
   LyrRec& L = s.Lyr[lyr];
   ShpBlock& B = L.Shp;
-  ShpCursor c(shp.data.get(), shp.size);
+  ShpCursor c(shp.data(), shp.size);
   if (shx) {
     if (B.RecCount < 0) throw ReadFail{};
     // Every entry inside the stated length must be in the file, or its read fails: find
@@ -301,11 +321,12 @@ void LoadShpRecords(Session& s, int lyr, const std::string& path, const FileByte
       throw ReadFail{};
     SizeRecs(s, lyr, B.RecCount);
     B.Arena = std::make_shared<ShpArena>();
+    B.Arena->Reserve(2 * shp.size);
     for (int32_t rec = 1; rec <= B.RecCount; ++rec) {
       int64_t at = kHeaderBytes + 8 * int64_t(rec - 1);
       if (at + 8 > shx->statedBytes) continue; // outside the stated length: skipped
-      B.RecOffset = BE32(shx->bytes.data.get() + at);
-      B.RecLength = BE32(shx->bytes.data.get() + at + 4);
+      B.RecOffset = BE32(shx->bytes.data() + at);
+      B.RecLength = BE32(shx->bytes.data() + at + 4);
       c.Seek(2 * int64_t(B.RecOffset));
       ReadRecordAt(c, *B.Arena, L, B.ShpRecs[size_t(rec)]);
     }
@@ -314,6 +335,7 @@ void LoadShpRecords(Session& s, int lyr, const std::string& path, const FileByte
     int step = B.ShpType == 99 ? 5 : B.ShpType == 100 ? 500 : 100000;
     SizeRecs(s, lyr, 0);
     B.Arena = std::make_shared<ShpArena>();
+    B.Arena->Reserve(2 * shp.size);
     c.Seek(kHeaderBytes);
     while (c.Left() > 0) {
       if (size_t(B.RecCount) + 1 >= B.ShpRecs.size())
@@ -330,6 +352,7 @@ void LoadShpRecords(Session& s, int lyr, const std::string& path, const FileByte
     B.ShpRecs.resize(size_t(B.RecCount) + 1);
     B.ShpRecs.shrink_to_fit();
   }
+  B.Arena->Trim();
   MakeFrameRecord(B.ShpRecs[0]);
   UndoPurgeLyr(s, path);
   RecalcExtent(s, lyr);
@@ -350,7 +373,7 @@ void OpenShp(Session& s, int lyr, const std::string& path) {
     if (FileExists(shxPath)) {
       if (!ReadWholeFile(shxPath, shx.bytes) || shx.bytes.size < size_t(kHeaderBytes))
         throw ReadFail{};
-      ShpMainHeader h = DecodeHeader(shx.bytes.data.get());
+      ShpMainHeader h = DecodeHeader(shx.bytes.data());
       shx.bad = h.FileCode != kFileCode;
       shx.statedBytes = 2 * int64_t(h.FileLength);
       B.ShxHeader = h;
@@ -365,7 +388,7 @@ void OpenShp(Session& s, int lyr, const std::string& path) {
     bool shpOk =
         FileExists(shpPath) && ReadWholeFile(shpPath, shp) && shp.size >= size_t(kHeaderBytes);
     if (shpOk) {
-      ShpMainHeader h = DecodeHeader(shp.data.get());
+      ShpMainHeader h = DecodeHeader(shp.data());
       B.ShpOpen = h.FileCode == kFileCode ? -1 : 0;
       if (B.ShpOpen) {
         B.ShpHeader = h;

@@ -155,7 +155,10 @@ void SizeRecs(Session& s, int lyr, int capacity) {
   B.ShpRecs.clear();
   B.ShpRecs.shrink_to_fit();
   B.Arena.reset();
-  B.ShpRecs.resize(size_t(std::max(capacity, 0)) + 1);
+  size_t n = size_t(std::max(capacity, 0)) + 1;
+  B.ShpRecs.reserve(n);
+  AdviseHugePages(B.ShpRecs.data(), n * sizeof(ShpRecord));
+  B.ShpRecs.resize(n);
 }
 
 void AddRec(Session& s, int lyr) {
