@@ -338,8 +338,11 @@ void LoadShpRecords(Session& s, int lyr, const std::string& path, const FileByte
     B.Arena->Reserve(2 * shp.size);
     c.Seek(kHeaderBytes);
     while (c.Left() > 0) {
-      if (size_t(B.RecCount) + 1 >= B.ShpRecs.size())
-        B.ShpRecs.resize(B.ShpRecs.size() + size_t(step));
+      if (size_t(B.RecCount) + 1 >= B.ShpRecs.size()) {
+        // No more records than the rest of the file can hold, at 12 bytes each at least.
+        size_t fits = c.Left() / 12 + 1;
+        B.ShpRecs.resize(B.ShpRecs.size() + std::min(size_t(step), fits));
+      }
       ShpRecord& r = B.ShpRecs[size_t(B.RecCount) + 1];
       try {
         ReadRecordAt(c, *B.Arena, L, r);

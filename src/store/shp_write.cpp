@@ -69,31 +69,43 @@ void PWriteAll(int fd, const uint8_t* p, size_t n, int64_t at) {
 }
 
 // Writes at absolute positions through a window of memory that is flushed in big
-// pieces. The file as it will stand is the disk up to the window's start followed by the
-// window, so a later write over an earlier one (the next record header over what a
-// record wrote past its length) lands exactly as it would on the file itself.
+// pieces. The file as it will stand is the disk overlaid with the window; where the window
+// grows over bytes already on disk it takes them in first, so a later write over an
+// earlier one (the next record header over what a record wrote past its length) lands
+// exactly as it would on the file itself.
 class PosWriter {
 public:
-  explicit PosWriter(int fd) : fd_(fd) { win_.reserve(kFlushAt + (1 << 16)); }
+  explicit PosWriter(int fd) : fd_(fd) {}
 
   void Write(int64_t pos, const void* p, size_t n) {
     if (pos < 0) throw WriteFail{};
-    if (pos < start_) Rewind(pos);
     int64_t end = start_ + int64_t(win_.size());
-    if (pos - end > kGapInWindow) {
-      Flush(end);
-      start_ = pos; // the file system leaves the hole, which reads as zeros
+    if (pos < start_ || pos - end > kGapInWindow) {
+      Flush();
+      start_ = pos; // a hole left behind reads as zeros
     }
     size_t off = size_t(pos - start_);
-    if (off + n > win_.size()) win_.resize(off + n);
+    if (off + n > win_.size()) Grow(off + n);
     std::memcpy(win_.data() + off, p, n);
   }
-  // Called before each record: bytes before `pos` won't be written again in order.
+  // Called before each record: what lies before `pos` is flushed once the window is big.
   void MayFlush(int64_t pos) {
-    if (pos - start_ >= kFlushAt) Flush(std::min(pos, start_ + int64_t(win_.size())));
+    int64_t end = start_ + int64_t(win_.size());
+    if (pos - start_ < kFlushAt || pos > end) return;
+    size_t n = size_t(pos - start_);
+    PWriteAll(fd_, win_.data(), n, start_);
+    diskEnd_ = std::max(diskEnd_, pos);
+    win_.erase(win_.begin(), win_.begin() + ptrdiff_t(n));
+    start_ = pos;
   }
-  void Finish() { Flush(start_ + int64_t(win_.size())); }
-  int64_t End() const { return start_ + int64_t(win_.size()); }
+  void Flush() {
+    if (win_.empty()) return;
+    PWriteAll(fd_, win_.data(), win_.size(), start_);
+    start_ += int64_t(win_.size());
+    diskEnd_ = std::max(diskEnd_, start_);
+    win_.clear();
+  }
+  int64_t End() const { return std::max(diskEnd_, start_ + int64_t(win_.size())); }
 
 private:
   static constexpr int64_t kFlushAt = 8 << 20;
@@ -101,22 +113,13 @@ private:
   int fd_;
   std::vector<uint8_t> win_;
   int64_t start_ = 0;
+  int64_t diskEnd_ = 0; // bytes on disk so far
 
-  void Flush(int64_t upTo) {
-    size_t n = size_t(upTo - start_);
-    if (n == 0) return;
-    PWriteAll(fd_, win_.data(), n, start_);
-    win_.erase(win_.begin(), win_.begin() + ptrdiff_t(n));
-    start_ = upTo;
-  }
-  // A write before the window (only after a damaged length): continue from the file.
-  void Rewind(int64_t pos) {
-    int64_t end = start_ + int64_t(win_.size());
-    Flush(end);
-    win_.assign(size_t(end - pos), 0);
-    ssize_t got = ::pread(fd_, win_.data(), win_.size(), off_t(pos));
-    if (got < 0) throw WriteFail{};
-    start_ = pos;
+  void Grow(size_t size) {
+    size_t old = win_.size();
+    win_.resize(size);
+    int64_t a = start_ + int64_t(old), b = std::min(start_ + int64_t(size), diskEnd_);
+    if (b > a && ::pread(fd_, win_.data() + old, size_t(b - a), off_t(a)) < 0) throw WriteFail{};
   }
 };
 
@@ -325,7 +328,7 @@ void WriteLayer(Session& s, int lyr, const std::string& path, bool clean) {
     B.ShpHeader.FileLength = int32_t(int64_t(B.RecOffset) + B.RecLength + 4);
     EncodeHeader(B.ShpHeader, hdr);
     shp.Write(0, hdr, sizeof hdr);
-    shp.Finish();
+    shp.Flush();
     // A deleted last record has only its type word written; the rest of its slot is left
     // unwritten, and reads as zeros up to the length the header states, as it does for a
     // deleted record anywhere else in the file.
