@@ -15,7 +15,8 @@
 namespace {
 
 const std::string& Dir() {
-  static std::string dir = [] {
+  // Never destroyed: the clean-up at exit still needs it.
+  static const std::string& dir = *new std::string([] {
     // Memory-backed when there is such a folder: the files are rewritten thousands of
     // times a second.
     char shm[] = "/dev/shm/velmora-fuzz-shp-XXXXXX";
@@ -27,7 +28,7 @@ const std::string& Dir() {
       ::rmdir(Dir().c_str());
     });
     return std::string(d ? d : "/tmp") + "/";
-  }();
+  }());
   return dir;
 }
 

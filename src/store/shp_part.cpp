@@ -210,10 +210,6 @@ void ShpPart::BorrowFrom(ShpArena& arena, size_t n, bool z, bool m) {
 
 // ---- ShpRecord ----
 
-int ShpRecord::PartSlots() const {
-  return parts_ ? int(HdrOf(parts_)->size) : 0;
-}
-
 ShpRecord::ShpRecord(const ShpRecord& o)
     : ShapeType(o.ShapeType), NumPoints(o.NumPoints), NumParts(o.NumParts),
       LabelReady(o.LabelReady), Xmin(o.Xmin), Ymin(o.Ymin), Xmax(o.Xmax), Ymax(o.Ymax),
