@@ -68,6 +68,37 @@ void PWriteAll(int fd, const uint8_t* p, size_t n, int64_t at) {
   }
 }
 
+// A growable byte buffer whose new bytes are not cleared: every byte is written before it
+// is used.
+class ByteBuf {
+public:
+  size_t Size() const { return n_; }
+  uint8_t* Data() { return p_.get(); }
+  void Clear() { n_ = 0; }
+  // `k` more bytes at the end, contents undefined.
+  uint8_t* Extend(size_t k) {
+    if (n_ + k > cap_) Grow(n_ + k);
+    uint8_t* r = p_.get() + n_;
+    n_ += k;
+    return r;
+  }
+  void EraseFront(size_t k) {
+    if (k < n_) std::memmove(p_.get(), p_.get() + k, n_ - k);
+    n_ = k < n_ ? n_ - k : 0;
+  }
+
+private:
+  std::unique_ptr<uint8_t[]> p_;
+  size_t n_ = 0, cap_ = 0;
+  void Grow(size_t need) {
+    size_t cap = std::max({need, 2 * cap_, size_t(4096)});
+    auto q = std::make_unique_for_overwrite<uint8_t[]>(cap);
+    if (n_) std::memcpy(q.get(), p_.get(), n_);
+    p_ = std::move(q);
+    cap_ = cap;
+  }
+};
+
 // Writes at absolute positions through a window of memory that is flushed in big
 // pieces. The file as it will stand is the disk overlaid with the window; where the window
 // grows over bytes already on disk it takes them in first, so a later write over an
@@ -79,48 +110,52 @@ public:
 
   void Write(int64_t pos, const void* p, size_t n) {
     if (pos < 0) throw WriteFail{};
-    int64_t end = start_ + int64_t(win_.size());
+    int64_t end = start_ + int64_t(win_.Size());
     if (pos < start_ || pos - end > kGapInWindow) {
       Flush();
       start_ = pos; // a hole left behind reads as zeros
+      end = pos;
     }
     size_t off = size_t(pos - start_);
-    if (off + n > win_.size()) Grow(off + n);
-    std::memcpy(win_.data() + off, p, n);
+    if (off + n > win_.Size()) {
+      size_t old = win_.Size();
+      win_.Extend(off + n - old);
+      if (off > old) {
+        // A gap before this write: zeros, or what the file already holds there.
+        std::memset(win_.Data() + old, 0, off - old);
+        int64_t a = end, b = std::min(start_ + int64_t(off), diskEnd_);
+        if (b > a && ::pread(fd_, win_.Data() + old, size_t(b - a), off_t(a)) < 0)
+          throw WriteFail{};
+      }
+    }
+    std::memcpy(win_.Data() + off, p, n);
   }
   // Called before each record: what lies before `pos` is flushed once the window is big.
   void MayFlush(int64_t pos) {
-    int64_t end = start_ + int64_t(win_.size());
+    int64_t end = start_ + int64_t(win_.Size());
     if (pos - start_ < kFlushAt || pos > end) return;
     size_t n = size_t(pos - start_);
-    PWriteAll(fd_, win_.data(), n, start_);
+    PWriteAll(fd_, win_.Data(), n, start_);
     diskEnd_ = std::max(diskEnd_, pos);
-    win_.erase(win_.begin(), win_.begin() + ptrdiff_t(n));
+    win_.EraseFront(n);
     start_ = pos;
   }
   void Flush() {
-    if (win_.empty()) return;
-    PWriteAll(fd_, win_.data(), win_.size(), start_);
-    start_ += int64_t(win_.size());
+    if (win_.Size() == 0) return;
+    PWriteAll(fd_, win_.Data(), win_.Size(), start_);
+    start_ += int64_t(win_.Size());
     diskEnd_ = std::max(diskEnd_, start_);
-    win_.clear();
+    win_.Clear();
   }
-  int64_t End() const { return std::max(diskEnd_, start_ + int64_t(win_.size())); }
+  int64_t End() const { return std::max(diskEnd_, start_ + int64_t(win_.Size())); }
 
 private:
   static constexpr int64_t kFlushAt = 8 << 20;
   static constexpr int64_t kGapInWindow = 1 << 16;
   int fd_;
-  std::vector<uint8_t> win_;
+  ByteBuf win_;
   int64_t start_ = 0;
   int64_t diskEnd_ = 0; // bytes on disk so far
-
-  void Grow(size_t size) {
-    size_t old = win_.size();
-    win_.resize(size);
-    int64_t a = start_ + int64_t(old), b = std::min(start_ + int64_t(size), diskEnd_);
-    if (b > a && ::pread(fd_, win_.data() + old, size_t(b - a), off_t(a)) < 0) throw WriteFail{};
-  }
 };
 
 int OpenForWrite(const std::string& path) {
@@ -133,28 +168,16 @@ int OpenForWrite(const std::string& path) {
 // The record's bytes from its header on, into `out`.
 class RecBytes {
 public:
-  std::vector<uint8_t> b;
-  void I32(int32_t v) {
-    size_t n = b.size();
-    b.resize(n + 4);
-    PutLE32(b.data() + n, v);
-  }
-  void BE(int32_t v) {
-    size_t n = b.size();
-    b.resize(n + 4);
-    PutBE32(b.data() + n, v);
-  }
-  void F(double v) {
-    size_t n = b.size();
-    b.resize(n + 8);
-    PutF64(b.data() + n, v);
-  }
+  ByteBuf b;
+  void I32(int32_t v) { PutLE32(b.Extend(4), v); }
+  void BE(int32_t v) { PutBE32(b.Extend(4), v); }
+  void F(double v) { PutF64(b.Extend(8), v); }
   void Raw(const void* p, size_t bytes) {
-    size_t n = b.size();
-    b.resize(n + bytes);
-    if (bytes) std::memcpy(b.data() + n, p, bytes);
+    if (bytes) std::memcpy(b.Extend(bytes), p, bytes);
   }
-  void Zeros(size_t bytes) { b.resize(b.size() + bytes, 0); }
+  void Zeros(size_t bytes) {
+    if (bytes) std::memset(b.Extend(bytes), 0, bytes);
+  }
 };
 
 void PutBox(RecBytes& o, const ShpRecord& r) {
@@ -317,13 +340,13 @@ void WriteLayer(Session& s, int lyr, const std::string& path, bool clean) {
       // Header and content.
       B.RecHdrNumber = number;
       B.RecHdrLength = B.RecLength;
-      rb.b.clear();
+      rb.b.Clear();
       rb.BE(number);
       rb.BE(B.RecLength);
       PutContent(rb, r);
       int64_t pos = 2 * int64_t(B.RecOffset);
       shp.MayFlush(pos);
-      shp.Write(pos, rb.b.data(), rb.b.size());
+      shp.Write(pos, rb.b.Data(), rb.b.Size());
     }
     B.ShpHeader.FileLength = int32_t(int64_t(B.RecOffset) + B.RecLength + 4);
     EncodeHeader(B.ShpHeader, hdr);
