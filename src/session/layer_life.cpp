@@ -151,11 +151,11 @@ void AddShape(Session& s, const std::string& pathIn, bool readOnly) {
   WaitCursor(s);
   int before = s.LyrCount;
   NewLyrRow(s, path);
-  if (s.LyrErr == 1 || s.LyrCount == before) {
-    LogMsg(s, " *** Add Layer " + path + " has been canceled *** ");
-  } else if (s.LyrErr == 2) {
+  if (s.LyrErr == 2) {
     LogMsg(s, " *** Add Layer " + path +
                   " has been canceled, Please Open its Raster Image file Instead *** ");
+  } else if (s.LyrErr == 1 || s.LyrCount == before) {
+    LogMsg(s, " *** Add Layer " + path + " has been canceled *** ");
   } else {
     int n = s.LyrCount;
     s.ActiveLyr = n;

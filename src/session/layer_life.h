@@ -23,8 +23,7 @@ bool ConfirmRemoveLyr(Session& s, int index);
 bool ConfirmReloadLyr(Session& s, int index);
 // `saveProject` saves the project (falling to the Save Project dialog when ProjFile is "")
 // and tells whether it succeeded; without one a Yes can't save and stops.
-bool ConfirmCloseProject(Session& s,
-                         const std::function<bool(Session&)>& saveProject = nullptr);
+bool ConfirmCloseProject(Session& s, const std::function<bool(Session&)>& saveProject = nullptr);
 void CheckFirstLyrUnits(Session& s, int index);
 // Makes the empty layer file of the kind (in a work slot) and adds it: the make-new menu.
 void MakeNewLyr(Session& s, const std::string& path, int shapeType, const std::string& kindWord,

@@ -16,15 +16,23 @@ inline int32_t LE32(const uint8_t* p) {
   std::memcpy(&v, p, 4);
   return v;
 }
-inline int32_t BE32(const uint8_t* p) { return int32_t(__builtin_bswap32(uint32_t(LE32(p)))); }
+inline int32_t BE32(const uint8_t* p) {
+  return int32_t(__builtin_bswap32(uint32_t(LE32(p))));
+}
 inline double F64(const uint8_t* p) {
   double v;
   std::memcpy(&v, p, 8);
   return v;
 }
-inline void PutLE32(uint8_t* p, int32_t v) { std::memcpy(p, &v, 4); }
-inline void PutBE32(uint8_t* p, int32_t v) { PutLE32(p, int32_t(__builtin_bswap32(uint32_t(v)))); }
-inline void PutF64(uint8_t* p, double v) { std::memcpy(p, &v, 8); }
+inline void PutLE32(uint8_t* p, int32_t v) {
+  std::memcpy(p, &v, 4);
+}
+inline void PutBE32(uint8_t* p, int32_t v) {
+  PutLE32(p, int32_t(__builtin_bswap32(uint32_t(v))));
+}
+inline void PutF64(uint8_t* p, double v) {
+  std::memcpy(p, &v, 8);
+}
 
 constexpr int kHeaderBytes = 100;
 constexpr int32_t kFileCode = 9994;
@@ -67,9 +75,17 @@ inline void EncodeHeader(const ShpMainHeader& h, uint8_t* p) {
 inline bool IsLineLayout(int t) { // PolyLine layout: lines, polygons, frames, masks
   return t == 3 || t == 5 || t == 13 || t == 15 || t == 23 || t == 25 || t == 99 || t == 100;
 }
-inline bool IsMultiPoint(int t) { return t == 8 || t == 18 || t == 28; }
-inline bool IsPoint(int t) { return t == 1 || t == 11 || t == 21; }
-inline bool HasZ(int t) { return t == 11 || t == 13 || t == 15 || t == 18 || t == 31; }
-inline bool HasM(int t) { return HasZ(t) || t == 21 || t == 23 || t == 25 || t == 28; }
+inline bool IsMultiPoint(int t) {
+  return t == 8 || t == 18 || t == 28;
+}
+inline bool IsPoint(int t) {
+  return t == 1 || t == 11 || t == 21;
+}
+inline bool HasZ(int t) {
+  return t == 11 || t == 13 || t == 15 || t == 18 || t == 31;
+}
+inline bool HasM(int t) {
+  return HasZ(t) || t == 21 || t == 23 || t == 25 || t == 28;
+}
 
 } // namespace velmora::shpio

@@ -9,12 +9,26 @@
 
 namespace velmora::shpio {
 
-// A whole file read into memory. False when the file can't be opened or read.
-struct FileBytes {
-  std::unique_ptr<uint8_t[]> data;
+// A whole file in memory: mapped when the system allows, else read. False when the file
+// can't be opened or read.
+class FileBytes {
+public:
+  FileBytes() = default;
+  FileBytes(const FileBytes&) = delete;
+  FileBytes& operator=(const FileBytes&) = delete;
+  ~FileBytes();
+  const uint8_t* data() const { return map_ ? map_ : buf_.get(); }
   size_t size = 0;
+
+private:
+  friend bool ReadWholeFile(const std::string& path, FileBytes& out);
+  std::unique_ptr<uint8_t[]> buf_;
+  uint8_t* map_ = nullptr;
 };
 bool ReadWholeFile(const std::string& path, FileBytes& out);
+
+// Asks for large pages under a big block about to be filled.
+void AdviseHugePages(void* p, size_t bytes);
 
 // The frame record of slot 0: one part of five vertices.
 void MakeFrameRecord(ShpRecord& r);

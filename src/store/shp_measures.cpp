@@ -24,8 +24,12 @@ double Round9(double v) {
   return std::strtod(buf, nullptr);
 }
 
-bool ClosedChain(int t) { return t == 5 || t == 15 || t == 25; }
-bool OpenChain(int t) { return t == 3 || t == 13 || t == 23 || t == 99 || t == 100; }
+bool ClosedChain(int t) {
+  return t == 5 || t == 15 || t == 25;
+}
+bool OpenChain(int t) {
+  return t == 3 || t == 13 || t == 23 || t == 99 || t == 100;
+}
 
 double ChainLength(const ShpPart& p, int t) {
   size_t n = LiveCount(p);
@@ -181,7 +185,9 @@ double RecLength(const Session& s, int lyr, int rec) {
 double PartArea(const Session& s, int lyr, int rec, int part) {
   const ShpRecord* r = RecAt(s, lyr, rec);
   const ShpPart* p = PartAt(r, part);
-  if (!p || !(r->ShapeType == 3 || r->ShapeType == 5 || r->ShapeType == 13 || r->ShapeType == 15 || r->ShapeType == 23 || r->ShapeType == 25)) return 0;
+  if (!p || !(r->ShapeType == 3 || r->ShapeType == 5 || r->ShapeType == 13 || r->ShapeType == 15 ||
+              r->ShapeType == 23 || r->ShapeType == 25))
+    return 0;
   size_t n = LiveCount(*p);
   if (n < 3) return 0;
   auto P = p->PartPoints();

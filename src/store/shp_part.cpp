@@ -12,7 +12,9 @@ namespace velmora {
 
 namespace {
 
-size_t Doubles(size_t n, bool z, bool m) { return n * (2 + (z ? 1 : 0) + (m ? 1 : 0)); }
+size_t Doubles(size_t n, bool z, bool m) {
+  return n * (2 + (z ? 1 : 0) + (m ? 1 : 0));
+}
 
 double* AllocDoubles(size_t count) {
   auto* p = static_cast<double*>(std::malloc(count * sizeof(double)));
@@ -27,7 +29,9 @@ struct PartsHdr {
 };
 static_assert(sizeof(PartsHdr) == 8 && alignof(ShpPart) == 8);
 
-PartsHdr* HdrOf(void* block) { return static_cast<PartsHdr*>(block); }
+PartsHdr* HdrOf(void* block) {
+  return static_cast<PartsHdr*>(block);
+}
 
 void* NewPartArray(uint32_t cap) {
   void* raw = std::malloc(sizeof(PartsHdr) + size_t(cap) * sizeof(ShpPart));
@@ -60,8 +64,8 @@ ShpPart::ShpPart(const ShpPart& o)
 }
 
 ShpPart::ShpPart(ShpPart&& o) noexcept
-    : PartStart(o.PartStart), PartCount(o.PartCount), PartFlag(o.PartFlag), n_(o.n_),
-      blk_(o.blk_), cap_(o.cap_), hasZ_(o.hasZ_), hasM_(o.hasM_) {
+    : PartStart(o.PartStart), PartCount(o.PartCount), PartFlag(o.PartFlag), n_(o.n_), blk_(o.blk_),
+      cap_(o.cap_), hasZ_(o.hasZ_), hasM_(o.hasM_) {
   o.blk_ = nullptr;
   o.n_ = o.cap_ = 0;
 }
@@ -88,7 +92,9 @@ ShpPart& ShpPart::operator=(ShpPart&& o) noexcept {
   return *this;
 }
 
-ShpPart::~ShpPart() { Release(); }
+ShpPart::~ShpPart() {
+  Release();
+}
 
 void ShpPart::Release() {
   if (cap_) std::free(blk_);
@@ -113,12 +119,16 @@ void ShpPart::Reallocate(size_t cap, size_t keep, bool z, bool m) {
   keep = std::min({keep, size_t(n_), cap});
   if (keep) std::memcpy(nb, pts(), keep * sizeof(XY));
   if (z) {
-    if (hasZ_ && keep) std::memcpy(nz, zs(), keep * sizeof(double));
-    else std::fill(nz, nz + keep, 0.0);
+    if (hasZ_ && keep)
+      std::memcpy(nz, zs(), keep * sizeof(double));
+    else
+      std::fill(nz, nz + keep, 0.0);
   }
   if (m) {
-    if (hasM_ && keep) std::memcpy(nm, ms(), keep * sizeof(double));
-    else std::fill(nm, nm + keep, 0.0);
+    if (hasM_ && keep)
+      std::memcpy(nm, ms(), keep * sizeof(double));
+    else
+      std::fill(nm, nm + keep, 0.0);
   }
   if (cap_) std::free(blk_);
   blk_ = nb;
@@ -200,13 +210,11 @@ void ShpPart::BorrowFrom(ShpArena& arena, size_t n, bool z, bool m) {
 
 // ---- ShpRecord ----
 
-int ShpRecord::PartSlots() const { return parts_ ? int(HdrOf(parts_)->size) : 0; }
-
 ShpRecord::ShpRecord(const ShpRecord& o)
     : ShapeType(o.ShapeType), NumPoints(o.NumPoints), NumParts(o.NumParts),
       LabelReady(o.LabelReady), Xmin(o.Xmin), Ymin(o.Ymin), Xmax(o.Xmax), Ymax(o.Ymax),
-      Zmin(o.Zmin), Zmax(o.Zmax), Mmin(o.Mmin), Mmax(o.Mmax), LabelX(o.LabelX),
-      LabelY(o.LabelY), LabelAngle(o.LabelAngle) {
+      Zmin(o.Zmin), Zmax(o.Zmax), Mmin(o.Mmin), Mmax(o.Mmax), LabelX(o.LabelX), LabelY(o.LabelY),
+      LabelAngle(o.LabelAngle) {
   int n = o.PartSlots();
   if (n == 0) return;
   ReserveParts(n);
@@ -248,7 +256,9 @@ ShpRecord& ShpRecord::operator=(ShpRecord&& o) noexcept {
   return *this;
 }
 
-ShpRecord::~ShpRecord() { ReleaseParts(); }
+ShpRecord::~ShpRecord() {
+  ReleaseParts();
+}
 
 void ShpRecord::ReleaseParts() {
   if (!parts_) return;

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <fcntl.h>
 #include <new>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -19,27 +20,46 @@ using namespace shpio;
 
 namespace shpio {
 
+FileBytes::~FileBytes() {
+  if (map_) ::munmap(map_, size);
+}
+
 bool ReadWholeFile(const std::string& path, FileBytes& out) {
   int fd = ::open(NativePath(path).c_str(), O_RDONLY | O_CLOEXEC);
   if (fd < 0) return false;
   struct stat st;
   bool ok = ::fstat(fd, &st) == 0 && S_ISREG(st.st_mode);
-  if (ok) {
+  if (ok && st.st_size > 0) {
     out.size = size_t(st.st_size);
-    out.data = std::make_unique_for_overwrite<uint8_t[]>(out.size ? out.size : 1);
+    // Mapped, the file is read once, by the page cache, in big pieces.
+    void* m = ::mmap(nullptr, out.size, PROT_READ, MAP_PRIVATE | MAP_POPULATE, fd, 0);
+    if (m != MAP_FAILED) {
+      out.map_ = static_cast<uint8_t*>(m);
+      ::madvise(m, out.size, MADV_SEQUENTIAL);
+      ::close(fd);
+      return true;
+    }
+    out.buf_ = std::make_unique_for_overwrite<uint8_t[]>(out.size);
     size_t got = 0;
-    while (ok && got < out.size) {
-      ssize_t n = ::read(fd, out.data.get() + got, out.size - got);
-      if (n <= 0) {
-        ok = n == 0 && got > 0; // a file that shrank under us: keep what was there
-        out.size = got;
-        break;
-      }
+    while (got < out.size) {
+      ssize_t n = ::read(fd, out.buf_.get() + got, out.size - got);
+      if (n <= 0) break; // a file that shrank under us: keep what was there
       got += size_t(n);
     }
+    out.size = got;
+  } else if (ok) {
+    out.size = 0;
+    out.buf_ = std::make_unique<uint8_t[]>(1);
   }
   ::close(fd);
   return ok;
+}
+
+void AdviseHugePages(void* p, size_t bytes) {
+  constexpr uintptr_t kPage = 4096;
+  uintptr_t a = (reinterpret_cast<uintptr_t>(p) + kPage - 1) & ~(kPage - 1);
+  uintptr_t e = (reinterpret_cast<uintptr_t>(p) + bytes) & ~(kPage - 1);
+  if (e > a + (2u << 20)) ::madvise(reinterpret_cast<void*>(a), e - a, MADV_HUGEPAGE);
 }
 
 void MakeFrameRecord(ShpRecord& r) {
@@ -110,8 +130,22 @@ private:
 
 bool Accepted(int t) {
   switch (t) {
-  case 0: case 1: case 3: case 5: case 8: case 11: case 13: case 15: case 18: case 21:
-  case 23: case 25: case 28: case 31: case 99: case 100:
+  case 0:
+  case 1:
+  case 3:
+  case 5:
+  case 8:
+  case 11:
+  case 13:
+  case 15:
+  case 18:
+  case 21:
+  case 23:
+  case 25:
+  case 28:
+  case 31:
+  case 99:
+  case 100:
     return true;
   default:
     return false;
@@ -123,7 +157,8 @@ bool Accepted(int t) {
 // it, the values stay zero.
 void ReadMeasureBlock(ShpCursor& c, ShpRecord& r, bool isZ, size_t contentEnd) {
   uint64_t need = 16;
-  for (const ShpPart& p : r.Parts()) need += 8 * uint64_t(isZ ? p.PartZ().size() : p.PartM().size());
+  for (const ShpPart& p : r.Parts())
+    need += 8 * uint64_t(isZ ? p.PartZ().size() : p.PartM().size());
   if (!isZ && c.Pos() + need > contentEnd) {
     for (ShpPart& p : r.Parts()) std::fill(p.PartM().begin(), p.PartM().end(), 0.0);
     return;
@@ -233,8 +268,9 @@ void ReadRecordAt(ShpCursor& c, ShpArena& arena, LyrRec& L, ShpRecord& r) {
   L.Shp.RecHdrNumber = BE32(h);
   L.Shp.RecHdrLength = BE32(h + 4);
   int64_t stated = 2 * int64_t(L.Shp.RecHdrLength);
-  size_t contentEnd = stated < 0 ? c.Pos() : size_t(std::min<int64_t>(
-                                                  int64_t(c.Pos()) + stated, int64_t(SIZE_MAX / 2)));
+  size_t contentEnd =
+      stated < 0 ? c.Pos()
+                 : size_t(std::min<int64_t>(int64_t(c.Pos()) + stated, int64_t(SIZE_MAX / 2)));
   r.LabelReady = 0;
   int32_t t = c.I32();
   r.ShapeType = t;
@@ -252,8 +288,10 @@ void ReadRecordAt(ShpCursor& c, ShpArena& arena, LyrRec& L, ShpRecord& r) {
     ReadPoint(c, arena, r, t, contentEnd);
     return;
   }
-  if (IsMultiPoint(t)) ReadMultiPoint(c, arena, r, t, contentEnd);
-  else ReadLineLayout(c, arena, r, t, contentEnd);
+  if (IsMultiPoint(t))
+    ReadMultiPoint(c, arena, r, t, contentEnd);
+  else
+    ReadLineLayout(c, arena, r, t, contentEnd);
   if (r.NumParts == 0 || r.NumPoints == 0) {
     ShpRecord empty;
     MakeEmptyDeleted(empty, LeftExtend(L), TopExtend(L));
@@ -272,7 +310,7 @@ void LoadShpRecords(Session& s, int lyr, const std::string& path, const FileByte
                     const IndexFile* shx) {
   LyrRec& L = s.Lyr[lyr];
   ShpBlock& B = L.Shp;
-  ShpCursor c(shp.data.get(), shp.size);
+  ShpCursor c(shp.data(), shp.size);
   if (shx) {
     if (B.RecCount < 0) throw ReadFail{};
     // Every entry inside the stated length must be in the file, or its read fails: find
@@ -283,11 +321,12 @@ void LoadShpRecords(Session& s, int lyr, const std::string& path, const FileByte
       throw ReadFail{};
     SizeRecs(s, lyr, B.RecCount);
     B.Arena = std::make_shared<ShpArena>();
+    B.Arena->Reserve(2 * shp.size);
     for (int32_t rec = 1; rec <= B.RecCount; ++rec) {
       int64_t at = kHeaderBytes + 8 * int64_t(rec - 1);
       if (at + 8 > shx->statedBytes) continue; // outside the stated length: skipped
-      B.RecOffset = BE32(shx->bytes.data.get() + at);
-      B.RecLength = BE32(shx->bytes.data.get() + at + 4);
+      B.RecOffset = BE32(shx->bytes.data() + at);
+      B.RecLength = BE32(shx->bytes.data() + at + 4);
       c.Seek(2 * int64_t(B.RecOffset));
       ReadRecordAt(c, *B.Arena, L, B.ShpRecs[size_t(rec)]);
     }
@@ -296,9 +335,14 @@ void LoadShpRecords(Session& s, int lyr, const std::string& path, const FileByte
     int step = B.ShpType == 99 ? 5 : B.ShpType == 100 ? 500 : 100000;
     SizeRecs(s, lyr, 0);
     B.Arena = std::make_shared<ShpArena>();
+    B.Arena->Reserve(2 * shp.size);
     c.Seek(kHeaderBytes);
     while (c.Left() > 0) {
-      if (size_t(B.RecCount) + 1 >= B.ShpRecs.size()) B.ShpRecs.resize(B.ShpRecs.size() + size_t(step));
+      if (size_t(B.RecCount) + 1 >= B.ShpRecs.size()) {
+        // No more records than the rest of the file can hold, at 12 bytes each at least.
+        size_t fits = c.Left() / 12 + 1;
+        B.ShpRecs.resize(B.ShpRecs.size() + std::min(size_t(step), fits));
+      }
       ShpRecord& r = B.ShpRecs[size_t(B.RecCount) + 1];
       try {
         ReadRecordAt(c, *B.Arena, L, r);
@@ -311,6 +355,7 @@ void LoadShpRecords(Session& s, int lyr, const std::string& path, const FileByte
     B.ShpRecs.resize(size_t(B.RecCount) + 1);
     B.ShpRecs.shrink_to_fit();
   }
+  B.Arena->Trim();
   MakeFrameRecord(B.ShpRecs[0]);
   UndoPurgeLyr(s, path);
   RecalcExtent(s, lyr);
@@ -331,7 +376,7 @@ void OpenShp(Session& s, int lyr, const std::string& path) {
     if (FileExists(shxPath)) {
       if (!ReadWholeFile(shxPath, shx.bytes) || shx.bytes.size < size_t(kHeaderBytes))
         throw ReadFail{};
-      ShpMainHeader h = DecodeHeader(shx.bytes.data.get());
+      ShpMainHeader h = DecodeHeader(shx.bytes.data());
       shx.bad = h.FileCode != kFileCode;
       shx.statedBytes = 2 * int64_t(h.FileLength);
       B.ShxHeader = h;
@@ -343,10 +388,10 @@ void OpenShp(Session& s, int lyr, const std::string& path) {
       B.ShxOpen = 0;
     }
     FileBytes shp;
-    bool shpOk = FileExists(shpPath) && ReadWholeFile(shpPath, shp) &&
-                 shp.size >= size_t(kHeaderBytes);
+    bool shpOk =
+        FileExists(shpPath) && ReadWholeFile(shpPath, shp) && shp.size >= size_t(kHeaderBytes);
     if (shpOk) {
-      ShpMainHeader h = DecodeHeader(shp.data.get());
+      ShpMainHeader h = DecodeHeader(shp.data());
       B.ShpOpen = h.FileCode == kFileCode ? -1 : 0;
       if (B.ShpOpen) {
         B.ShpHeader = h;

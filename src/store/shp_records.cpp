@@ -36,7 +36,9 @@ void FitBitSets(LyrRec& L) {
   if (L.QryBits.size() < need) L.QryBits.resize(need, 0);
 }
 
-void Touched(Session& s, int lyr) { s.Lyr[lyr].Shp.ShpChanged = -1; }
+void Touched(Session& s, int lyr) {
+  s.Lyr[lyr].Shp.ShpChanged = -1;
+}
 
 } // namespace
 
@@ -112,7 +114,8 @@ void DeleteVertices(Session& s, int lyr, int rec, int part, int first, int count
   if (!p || first < 0 || count <= 0 || size_t(first) >= p->Size()) return;
   size_t removed = std::min(size_t(count), p->Size() - size_t(first));
   int32_t liveGone = 0;
-  if (p->PartCount > first) liveGone = int32_t(std::min<size_t>(removed, size_t(p->PartCount - first)));
+  if (p->PartCount > first)
+    liveGone = int32_t(std::min<size_t>(removed, size_t(p->PartCount - first)));
   p->Erase(size_t(first), removed);
   p->PartCount -= liveGone;
   r->NumPoints -= liveGone;
@@ -152,7 +155,10 @@ void SizeRecs(Session& s, int lyr, int capacity) {
   B.ShpRecs.clear();
   B.ShpRecs.shrink_to_fit();
   B.Arena.reset();
-  B.ShpRecs.resize(size_t(std::max(capacity, 0)) + 1);
+  size_t n = size_t(std::max(capacity, 0)) + 1;
+  B.ShpRecs.reserve(n);
+  AdviseHugePages(B.ShpRecs.data(), n * sizeof(ShpRecord));
+  B.ShpRecs.resize(n);
 }
 
 void AddRec(Session& s, int lyr) {
@@ -337,7 +343,9 @@ void ReversePart(Session& s, int lyr, int rec, int part) {
 }
 
 void ConvertLineGon(Session& s, int lyr, int oldType, int newType) {
-  auto family = [](int t) { return t == 3 || t == 5 ? 0 : t == 13 || t == 15 ? 1 : t == 23 || t == 25 ? 2 : -1; };
+  auto family = [](int t) {
+    return t == 3 || t == 5 ? 0 : t == 13 || t == 15 ? 1 : t == 23 || t == 25 ? 2 : -1;
+  };
   if (oldType == newType || family(oldType) < 0 || family(oldType) != family(newType)) return;
   ShpBlock& B = s.Lyr[lyr].Shp;
   B.ShpType = newType;

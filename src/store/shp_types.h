@@ -59,7 +59,7 @@ public:
 
 private:
   double* blk_ = nullptr; // n XY pairs, then n Z if hasZ_, then n M if hasM_
-  uint32_t cap_ = 0; // vertices the block can hold; 0 = borrowed from an arena
+  uint32_t cap_ = 0;      // vertices the block can hold; 0 = borrowed from an arena
   bool hasZ_ = false, hasM_ = false;
 
   XY* pts() const { return reinterpret_cast<XY*>(blk_); }
@@ -96,7 +96,7 @@ public:
   std::span<const ShpPart> Parts() const { return {Arr(), PartsShown()}; }
   // Entries of the part array. Equal to NumParts except in a deleted record read from a
   // file, which keeps one empty part with NumParts 0.
-  int PartSlots() const;
+  int PartSlots() const { return parts_ ? int(*static_cast<const uint32_t*>(parts_)) : 0; }
   ShpPart& Part(int i) { return Arr()[i]; }
   const ShpPart& Part(int i) const { return Arr()[i]; }
 
@@ -109,7 +109,7 @@ public:
   void BorrowParts(ShpArena& arena, int n);
 
 private:
-  // The part array behind a small header that holds its size and capacity.
+  // The part array behind an 8-byte header: its size, then its capacity (0 in an arena).
   void* parts_ = nullptr;
   ShpPart* Arr() const {
     return parts_ ? reinterpret_cast<ShpPart*>(static_cast<std::byte*>(parts_) + 8) : nullptr;

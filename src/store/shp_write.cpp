@@ -21,17 +21,33 @@ namespace shpio {
 int64_t ShpContentLength(const ShpRecord& r) {
   int64_t P = r.NumParts, N = r.NumPoints;
   switch (r.ShapeType) {
-  case 1: return 10;
-  case 3: case 5: case 99: case 100: return 22 + 2 * P + 8 * N;
-  case 8: return 20 + 8 * N;
-  case 11: return 18;
-  case 13: case 15: return 38 + 2 * P + 16 * N;
-  case 18: return 36 + 16 * N;
-  case 21: return 14;
-  case 23: case 25: return 30 + 2 * P + 12 * N;
-  case 28: return 28 + 12 * N;
-  case 31: return 38 + 4 * P + 16 * N;
-  default: return -1;
+  case 1:
+    return 10;
+  case 3:
+  case 5:
+  case 99:
+  case 100:
+    return 22 + 2 * P + 8 * N;
+  case 8:
+    return 20 + 8 * N;
+  case 11:
+    return 18;
+  case 13:
+  case 15:
+    return 38 + 2 * P + 16 * N;
+  case 18:
+    return 36 + 16 * N;
+  case 21:
+    return 14;
+  case 23:
+  case 25:
+    return 30 + 2 * P + 12 * N;
+  case 28:
+    return 28 + 12 * N;
+  case 31:
+    return 38 + 4 * P + 16 * N;
+  default:
+    return -1;
   }
 }
 
@@ -52,55 +68,94 @@ void PWriteAll(int fd, const uint8_t* p, size_t n, int64_t at) {
   }
 }
 
+// A growable byte buffer whose new bytes are not cleared: every byte is written before it
+// is used.
+class ByteBuf {
+public:
+  size_t Size() const { return n_; }
+  uint8_t* Data() { return p_.get(); }
+  void Clear() { n_ = 0; }
+  // `k` more bytes at the end, contents undefined.
+  uint8_t* Extend(size_t k) {
+    if (n_ + k > cap_) Grow(n_ + k);
+    uint8_t* r = p_.get() + n_;
+    n_ += k;
+    return r;
+  }
+  void EraseFront(size_t k) {
+    if (k < n_) std::memmove(p_.get(), p_.get() + k, n_ - k);
+    n_ = k < n_ ? n_ - k : 0;
+  }
+
+private:
+  std::unique_ptr<uint8_t[]> p_;
+  size_t n_ = 0, cap_ = 0;
+  void Grow(size_t need) {
+    size_t cap = std::max({need, 2 * cap_, size_t(4096)});
+    auto q = std::make_unique_for_overwrite<uint8_t[]>(cap);
+    if (n_) std::memcpy(q.get(), p_.get(), n_);
+    p_ = std::move(q);
+    cap_ = cap;
+  }
+};
+
 // Writes at absolute positions through a window of memory that is flushed in big
-// pieces. The file as it will stand is the disk up to the window's start followed by the
-// window, so a later write over an earlier one (the next record header over what a
-// record wrote past its length) lands exactly as it would on the file itself.
+// pieces. The file as it will stand is the disk overlaid with the window; where the window
+// grows over bytes already on disk it takes them in first, so a later write over an
+// earlier one (the next record header over what a record wrote past its length) lands
+// exactly as it would on the file itself.
 class PosWriter {
 public:
-  explicit PosWriter(int fd) : fd_(fd) { win_.reserve(kFlushAt + (1 << 16)); }
+  explicit PosWriter(int fd) : fd_(fd) {}
 
   void Write(int64_t pos, const void* p, size_t n) {
     if (pos < 0) throw WriteFail{};
-    if (pos < start_) Rewind(pos);
-    int64_t end = start_ + int64_t(win_.size());
-    if (pos - end > kGapInWindow) {
-      Flush(end);
-      start_ = pos; // the file system leaves the hole, which reads as zeros
+    int64_t end = start_ + int64_t(win_.Size());
+    if (pos < start_ || pos - end > kGapInWindow) {
+      Flush();
+      start_ = pos; // a hole left behind reads as zeros
+      end = pos;
     }
     size_t off = size_t(pos - start_);
-    if (off + n > win_.size()) win_.resize(off + n);
-    std::memcpy(win_.data() + off, p, n);
+    if (off + n > win_.Size()) {
+      size_t old = win_.Size();
+      win_.Extend(off + n - old);
+      if (off > old) {
+        // A gap before this write: zeros, or what the file already holds there.
+        std::memset(win_.Data() + old, 0, off - old);
+        int64_t a = end, b = std::min(start_ + int64_t(off), diskEnd_);
+        if (b > a && ::pread(fd_, win_.Data() + old, size_t(b - a), off_t(a)) < 0)
+          throw WriteFail{};
+      }
+    }
+    std::memcpy(win_.Data() + off, p, n);
   }
-  // Called before each record: bytes before `pos` won't be written again in order.
+  // Called before each record: what lies before `pos` is flushed once the window is big.
   void MayFlush(int64_t pos) {
-    if (pos - start_ >= kFlushAt) Flush(std::min(pos, start_ + int64_t(win_.size())));
+    int64_t end = start_ + int64_t(win_.Size());
+    if (pos - start_ < kFlushAt || pos > end) return;
+    size_t n = size_t(pos - start_);
+    PWriteAll(fd_, win_.Data(), n, start_);
+    diskEnd_ = std::max(diskEnd_, pos);
+    win_.EraseFront(n);
+    start_ = pos;
   }
-  void Finish() { Flush(start_ + int64_t(win_.size())); }
+  void Flush() {
+    if (win_.Size() == 0) return;
+    PWriteAll(fd_, win_.Data(), win_.Size(), start_);
+    start_ += int64_t(win_.Size());
+    diskEnd_ = std::max(diskEnd_, start_);
+    win_.Clear();
+  }
+  int64_t End() const { return std::max(diskEnd_, start_ + int64_t(win_.Size())); }
 
 private:
   static constexpr int64_t kFlushAt = 8 << 20;
   static constexpr int64_t kGapInWindow = 1 << 16;
   int fd_;
-  std::vector<uint8_t> win_;
+  ByteBuf win_;
   int64_t start_ = 0;
-
-  void Flush(int64_t upTo) {
-    size_t n = size_t(upTo - start_);
-    if (n == 0) return;
-    PWriteAll(fd_, win_.data(), n, start_);
-    win_.erase(win_.begin(), win_.begin() + ptrdiff_t(n));
-    start_ = upTo;
-  }
-  // A write before the window (only after a damaged length): continue from the file.
-  void Rewind(int64_t pos) {
-    int64_t end = start_ + int64_t(win_.size());
-    Flush(end);
-    win_.assign(size_t(end - pos), 0);
-    ssize_t got = ::pread(fd_, win_.data(), win_.size(), off_t(pos));
-    if (got < 0) throw WriteFail{};
-    start_ = pos;
-  }
+  int64_t diskEnd_ = 0; // bytes on disk so far
 };
 
 int OpenForWrite(const std::string& path) {
@@ -113,28 +168,16 @@ int OpenForWrite(const std::string& path) {
 // The record's bytes from its header on, into `out`.
 class RecBytes {
 public:
-  std::vector<uint8_t> b;
-  void I32(int32_t v) {
-    size_t n = b.size();
-    b.resize(n + 4);
-    PutLE32(b.data() + n, v);
-  }
-  void BE(int32_t v) {
-    size_t n = b.size();
-    b.resize(n + 4);
-    PutBE32(b.data() + n, v);
-  }
-  void F(double v) {
-    size_t n = b.size();
-    b.resize(n + 8);
-    PutF64(b.data() + n, v);
-  }
+  ByteBuf b;
+  void I32(int32_t v) { PutLE32(b.Extend(4), v); }
+  void BE(int32_t v) { PutBE32(b.Extend(4), v); }
+  void F(double v) { PutF64(b.Extend(8), v); }
   void Raw(const void* p, size_t bytes) {
-    size_t n = b.size();
-    b.resize(n + bytes);
-    if (bytes) std::memcpy(b.data() + n, p, bytes);
+    if (bytes) std::memcpy(b.Extend(bytes), p, bytes);
   }
-  void Zeros(size_t bytes) { b.resize(b.size() + bytes, 0); }
+  void Zeros(size_t bytes) {
+    if (bytes) std::memset(b.Extend(bytes), 0, bytes);
+  }
 };
 
 void PutBox(RecBytes& o, const ShpRecord& r) {
@@ -148,8 +191,10 @@ void PutBox(RecBytes& o, const ShpRecord& r) {
 // their place.
 void PutValues(RecBytes& o, const ShpPart& p, bool isZ) {
   std::span<const double> v = isZ ? p.PartZ() : p.PartM();
-  if (!v.empty()) o.Raw(v.data(), 8 * v.size());
-  else o.Zeros(8 * p.Size());
+  if (!v.empty())
+    o.Raw(v.data(), 8 * v.size());
+  else
+    o.Zeros(8 * p.Size());
 }
 
 void PutContent(RecBytes& o, ShpRecord& r) {
@@ -273,8 +318,10 @@ void WriteLayer(Session& s, int lyr, const std::string& path, bool clean) {
         size_t ob = size_t(rec) / 8, nb = size_t(number) / 8;
         if (ob < L.SelBits.size() && nb < L.SelBits.size()) {
           bool on = L.SelBits[ob] & (1u << (rec % 8));
-          if (on) L.SelBits[nb] = uint8_t(L.SelBits[nb] | (1u << (number % 8)));
-          else L.SelBits[nb] = uint8_t(L.SelBits[nb] & ~(1u << (number % 8)));
+          if (on)
+            L.SelBits[nb] = uint8_t(L.SelBits[nb] | (1u << (number % 8)));
+          else
+            L.SelBits[nb] = uint8_t(L.SelBits[nb] & ~(1u << (number % 8)));
         }
       }
       // Advance; a record with no length of its own keeps its predecessor's.
@@ -293,18 +340,24 @@ void WriteLayer(Session& s, int lyr, const std::string& path, bool clean) {
       // Header and content.
       B.RecHdrNumber = number;
       B.RecHdrLength = B.RecLength;
-      rb.b.clear();
+      rb.b.Clear();
       rb.BE(number);
       rb.BE(B.RecLength);
       PutContent(rb, r);
       int64_t pos = 2 * int64_t(B.RecOffset);
       shp.MayFlush(pos);
-      shp.Write(pos, rb.b.data(), rb.b.size());
+      shp.Write(pos, rb.b.Data(), rb.b.Size());
     }
     B.ShpHeader.FileLength = int32_t(int64_t(B.RecOffset) + B.RecLength + 4);
     EncodeHeader(B.ShpHeader, hdr);
     shp.Write(0, hdr, sizeof hdr);
-    shp.Finish();
+    shp.Flush();
+    // A deleted last record has only its type word written; the rest of its slot is left
+    // unwritten, and reads as zeros up to the length the header states, as it does for a
+    // deleted record anywhere else in the file.
+    int64_t stated = 2 * int64_t(B.ShpHeader.FileLength);
+    if (number > 0 && stated > shp.End() && stated - shp.End() <= 2 * int64_t(B.RecLength) + 8)
+      if (::ftruncate(files.shpFd, off_t(stated)) != 0) throw WriteFail{};
     PWriteAll(files.shxFd, shx.data(), shxEnd, 0);
   } catch (const WriteFail&) {
     s.ShpErr = 1;
@@ -324,9 +377,13 @@ void WriteLayer(Session& s, int lyr, const std::string& path, bool clean) {
 
 } // namespace
 
-void SaveShp(Session& s, int lyr, const std::string& path) { WriteLayer(s, lyr, path, false); }
+void SaveShp(Session& s, int lyr, const std::string& path) {
+  WriteLayer(s, lyr, path, false);
+}
 
-void SaveShpClean(Session& s, int lyr, const std::string& path) { WriteLayer(s, lyr, path, true); }
+void SaveShpClean(Session& s, int lyr, const std::string& path) {
+  WriteLayer(s, lyr, path, true);
+}
 
 void NewShp(Session& s, int lyr, const std::string& path, int shapeType) {
   s.ShpErr = 0;

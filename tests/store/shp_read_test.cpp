@@ -16,7 +16,8 @@ std::vector<uint8_t> Line(std::vector<std::vector<XY>> parts, int type = 3) {
   int n = 0;
   for (auto& p : parts)
     for (auto& v : p) {
-      x0 = std::min(x0, v.X), y0 = std::min(y0, v.Y), x1 = std::max(x1, v.X), y1 = std::max(y1, v.Y);
+      x0 = std::min(x0, v.X), y0 = std::min(y0, v.Y), x1 = std::max(x1, v.X),
+      y1 = std::max(y1, v.Y);
       ++n;
     }
   if (n == 0) x0 = y0 = x1 = y1 = 0;
@@ -28,7 +29,9 @@ std::vector<uint8_t> Line(std::vector<std::vector<XY>> parts, int type = 3) {
   return b.b;
 }
 
-std::vector<uint8_t> Point(double x, double y) { return Bytes().I(1).D(x).D(y).b; }
+std::vector<uint8_t> Point(double x, double y) {
+  return Bytes().I(1).D(x).D(y).b;
+}
 
 } // namespace
 
@@ -104,8 +107,8 @@ TEST(ShpRead, EmptyFeaturesAndPartsTakeTheirSettledForms) {
   std::string dir = TempDir("shp-read");
   ShpBuilder b(3);
   b.Add(Line({{{0, 0}, {1, 1}}}));
-  b.Add(Line({}));                    // no parts
-  b.Add(Bytes().I(0).b);              // null shape
+  b.Add(Line({}));                     // no parts
+  b.Add(Bytes().I(0).b);               // null shape
   b.Add(Line({{{5, 5}, {6, 7}}, {}})); // an empty last part
   b.Write(dir + "e.shp", true);
   Session s;
@@ -200,8 +203,10 @@ TEST(ShpRead, DamagedFilesFailTheOpenWithoutHarm) {
   auto shx = b.ShxBytes();
   auto put = [&](std::vector<uint8_t> p, std::vector<uint8_t> x) {
     WriteFile(dir + "d.shp", std::string(p.begin(), p.end()));
-    if (x.empty()) KillFile(dir + "d.shx");
-    else WriteFile(dir + "d.shx", std::string(x.begin(), x.end()));
+    if (x.empty())
+      KillFile(dir + "d.shx");
+    else
+      WriteFile(dir + "d.shx", std::string(x.begin(), x.end()));
     Session s;
     OpenAsLayer(s, dir + "d.shp");
     return s.ShpErr;

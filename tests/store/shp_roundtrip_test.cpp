@@ -54,7 +54,8 @@ std::vector<Case> Cases() {
         "MULTILINESTRING ZM ((0 0 0 0,1 0 1 1),(5 5 5 5,6 6 6 6))"},
        13,
        true},
-      {"ARCM", {"LINESTRING M (0 0 1,1 1 2)", "MULTILINESTRING M ((0 0 5,1 0 6),(2 2 7,3 3 8))"},
+      {"ARCM",
+       {"LINESTRING M (0 0 1,1 1 2)", "MULTILINESTRING M ((0 0 5,1 0 6),(2 2 7,3 3 8))"},
        23,
        true},
       {"POLYGON",
@@ -123,8 +124,8 @@ TEST(ShpRoundTrip, EveryTypeFromGdalReadsAndWritesAsShapelibSeesIt) {
 
 TEST(ShpRoundTrip, NullShapesBecomeDeletedRecordsThatKeepTheirNumbers) {
   std::string dir = TempDir("shp-null");
-  std::string src = OgrShp(dir, "n", "ARC",
-                           {"LINESTRING (0 0,1 1)", "LINESTRING EMPTY", "LINESTRING (2 2,3 3,4 2)"});
+  std::string src = OgrShp(
+      dir, "n", "ARC", {"LINESTRING (0 0,1 1)", "LINESTRING EMPTY", "LINESTRING (2 2,3 3,4 2)"});
   ASSERT_FALSE(src.empty());
   Session s;
   OpenAsLayer(s, src);

@@ -12,8 +12,12 @@ void PutBE(std::vector<uint8_t>& v, size_t at, int32_t x) {
   v[at] = uint8_t(u >> 24), v[at + 1] = uint8_t(u >> 16), v[at + 2] = uint8_t(u >> 8);
   v[at + 3] = uint8_t(u);
 }
-void PutLE(std::vector<uint8_t>& v, size_t at, int32_t x) { std::memcpy(&v[at], &x, 4); }
-void PutD(std::vector<uint8_t>& v, size_t at, double x) { std::memcpy(&v[at], &x, 8); }
+void PutLE(std::vector<uint8_t>& v, size_t at, int32_t x) {
+  std::memcpy(&v[at], &x, 4);
+}
+void PutD(std::vector<uint8_t>& v, size_t at, double x) {
+  std::memcpy(&v[at], &x, 8);
+}
 } // namespace
 
 std::string OgrShp(const std::string& dir, const std::string& name, const std::string& shpt,
@@ -27,8 +31,7 @@ std::string OgrShp(const std::string& dir, const std::string& name, const std::s
   }
   std::string shp = dir + name + ".shp";
   int st = 0;
-  RunCmd("ogr2ogr -q -f 'ESRI Shapefile' -lco SHPT=" + shpt + " '" + shp + "' '" + csv +
-             "' 2>&1",
+  RunCmd("ogr2ogr -q -f 'ESRI Shapefile' -lco SHPT=" + shpt + " '" + shp + "' '" + csv + "' 2>&1",
          &st);
   return st == 0 && FileExists(shp) ? shp : "";
 }

@@ -1,8 +1,8 @@
 #pragma once
 // Helpers of the store tests: layers made by GDAL, shapefiles built byte by byte, and a
 // session with one open layer.
-#include <cstdint>
 #include <array>
+#include <cstdint>
 #include <cstring>
 #include <string>
 #include <vector>

@@ -175,7 +175,8 @@ TEST(ShpWrite, NewShpStatesAHundredWordsAndRemovesTheOldFiles) {
 
 TEST(ShpWrite, CleanSaveDropsDeletedRecordsMovesSelectionAndLeavesNoIndex) {
   std::string dir = TempDir("shp-clean");
-  std::string src = OgrShp(dir, "c", "POINT", {"POINT (1 1)", "POINT (2 2)", "POINT (3 3)", "POINT (4 4)"});
+  std::string src =
+      OgrShp(dir, "c", "POINT", {"POINT (1 1)", "POINT (2 2)", "POINT (3 3)", "POINT (4 4)"});
   ASSERT_FALSE(src.empty());
   Session s;
   OpenAsLayer(s, src);
@@ -209,4 +210,20 @@ TEST(ShpWrite, SaveOfAClosedRowFails) {
   SaveShp(s, 1, dir + "z.shp");
   EXPECT_EQ(s.ShpErr, 1);
   EXPECT_FALSE(FileExists(dir + "z.shp"));
+}
+
+TEST(ShpWrite, DeletedLastRecordLeavesItsSlotToTheStatedLength) {
+  std::string dir = TempDir("shp-w");
+  std::string src = OgrShp(dir, "t", "POINT", {"POINT (1 1)", "POINT (2 2)"});
+  ASSERT_FALSE(src.empty());
+  Session s;
+  OpenAsLayer(s, src);
+  DeleteRec(s, 1, 2, true);
+  SaveShp(s, 1, dir + "t2.shp");
+  ASSERT_EQ(s.ShpErr, 0);
+  std::string shp = ReadFile(dir + "t2.shp");
+  EXPECT_EQ(shp.size(), size_t(2 * BE32At(shp, 24)));
+  EXPECT_EQ(LE32At(shp, shp.size() - 20), 0); // the type word; the rest reads as zeros
+  std::string d = ShpDump(dir + "t2.shp");
+  EXPECT_NE(d.find("Shape:1 (NullShape)"), std::string::npos) << d;
 }
