@@ -37,7 +37,7 @@ private:
   std::unique_ptr<uint8_t[]> win_;
   size_t winCap_ = 0; // as large as the file was at the open, within bounds
   uint64_t winOff_ = 0;
-  size_t winLen_ = 0; // valid bytes of the window
+  size_t winLen_ = 0;                  // valid bytes of the window
   uint64_t lastOff_ = 0, lastEnd_ = 0; // the read before, to tell a walk from a jump
 };
 
