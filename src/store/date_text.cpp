@@ -1,7 +1,6 @@
 // Dates of date cells: reading the user's text, showing the short date format.
 #include <cctype>
 #include <cstdio>
-#include <vector>
 
 #include "session/file_util.h"
 
@@ -18,20 +17,24 @@ struct Piece {
   char Literal = 0;
 };
 
-std::vector<Piece> Pieces(const std::string& format) {
-  std::vector<Piece> out;
+char Lower(char c) {
+  return c >= 'A' && c <= 'Z' ? char(c - 'A' + 'a') : c;
+}
+
+// Calls `fn` with each piece of `format` in turn, without building a list.
+template <class Fn> bool ForPieces(const std::string& format, Fn fn) {
   for (size_t i = 0; i < format.size();) {
-    char c = char(std::tolower(uint8_t(format[i])));
+    char c = Lower(format[i]);
     if (c == 'd' || c == 'm' || c == 'y') {
       size_t j = i;
-      while (j < format.size() && std::tolower(uint8_t(format[j])) == c) ++j;
-      out.push_back({c, int(j - i), 0});
+      while (j < format.size() && Lower(format[j]) == c) ++j;
+      if (!fn(Piece{c, int(j - i), 0})) return false;
       i = j;
-    } else {
-      out.push_back({0, 0, format[i++]});
+    } else if (!fn(Piece{0, 0, format[i++]})) {
+      return false;
     }
   }
-  return out;
+  return true;
 }
 
 // Years of two digits: 00 .. 29 in this century, 30 .. 99 in the last.
@@ -42,11 +45,11 @@ int FullYear(int y, int digits) {
 bool ParseWith(const std::string& text, const std::string& format, DateParts& out) {
   size_t i = 0;
   int y = -1, m = -1, d = -1, yDigits = 0;
-  for (const Piece& p : Pieces(format)) {
+  bool ok = ForPieces(format, [&](const Piece& p) {
     if (!p.Kind) {
       if (i >= text.size() || text[i] != p.Literal) return false;
       ++i;
-      continue;
+      return true;
     }
     int maxDigits = p.Kind == 'y' ? 4 : 2;
     int v = 0, n = 0;
@@ -56,8 +59,9 @@ bool ParseWith(const std::string& text, const std::string& format, DateParts& ou
     if (p.Kind == 'y') y = v, yDigits = n;
     if (p.Kind == 'm') m = v;
     if (p.Kind == 'd') d = v;
-  }
-  if (i != text.size() || y < 0 || m < 0 || d < 0) return false;
+    return true;
+  });
+  if (!ok || i != text.size() || y < 0 || m < 0 || d < 0) return false;
   y = FullYear(y, yDigits);
   if (!ValidDate(y, m, d)) return false;
   out = {y, m, d};
@@ -84,18 +88,23 @@ bool ParseDateText(const std::string& text, const std::string& shortDate, DatePa
 
 std::string FormatShortDate(const DateParts& dt, const std::string& shortDate) {
   std::string out;
-  char buf[8];
-  for (const Piece& p : Pieces(shortDate)) {
+  out.reserve(shortDate.size() + 2);
+  ForPieces(shortDate, [&](const Piece& p) {
     if (!p.Kind) {
       out += p.Literal;
-      continue;
+      return true;
     }
     int v = p.Kind == 'd' ? dt.D : p.Kind == 'm' ? dt.M : dt.Y;
     if (p.Kind == 'y' && p.Width <= 2) v %= 100;
     int width = p.Kind == 'y' ? (p.Width <= 2 ? 2 : 4) : p.Width >= 2 ? 2 : 1;
-    std::snprintf(buf, sizeof buf, "%0*d", width, v);
-    out += buf;
-  }
+    char digits[4];
+    int n = 0;
+    do digits[n++] = char('0' + v % 10), v /= 10;
+    while (v > 0 && n < 4);
+    for (int k = n; k < width; ++k) out += '0';
+    while (n > 0) out += digits[--n];
+    return true;
+  });
   return out;
 }
 

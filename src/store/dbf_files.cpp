@@ -12,6 +12,7 @@ namespace velmora {
 
 namespace {
 constexpr size_t kWindow = 256 * 1024;
+constexpr size_t kMinWindow = 4096;
 } // namespace
 
 bool WindowedFile::Open(const std::string& path, Mode mode) {
@@ -20,7 +21,12 @@ bool WindowedFile::Open(const std::string& path, Mode mode) {
   fd_ = ::open(NativePath(path).c_str(), flags | O_CLOEXEC, 0644);
   writable_ = fd_ >= 0 && mode != Mode::Read;
   winLen_ = 0;
-  return fd_ >= 0;
+  lastOff_ = lastEnd_ = 0;
+  if (fd_ < 0) return false;
+  // A small table gets a small window.
+  int64_t size = Size();
+  winCap_ = std::clamp(size_t(size < 0 ? 0 : size), kMinWindow, kWindow);
+  return true;
 }
 
 void WindowedFile::Close() {
@@ -28,8 +34,7 @@ void WindowedFile::Close() {
   fd_ = -1;
   writable_ = false;
   winLen_ = 0;
-  win_.clear();
-  win_.shrink_to_fit();
+  win_.reset();
 }
 
 int64_t WindowedFile::Size() const {
@@ -40,20 +45,23 @@ int64_t WindowedFile::Size() const {
 
 size_t WindowedFile::ReadAt(uint64_t off, void* dst, size_t n) {
   if (fd_ < 0 || n == 0) return 0;
+  bool walk = off >= lastOff_ && off <= lastEnd_ + kMinWindow;
+  lastOff_ = off;
+  lastEnd_ = off + n;
   if (off >= winOff_ && off + n <= winOff_ + winLen_) {
-    std::memcpy(dst, win_.data() + (off - winOff_), n);
+    std::memcpy(dst, win_.get() + (off - winOff_), n);
     return n;
   }
-  if (n >= kWindow) { // larger than a window: straight from the file
+  if (!walk || n >= winCap_) { // a jump, or more than a window: straight from the file
     ssize_t got = ::pread(fd_, dst, n, off_t(off));
     return got > 0 ? size_t(got) : 0;
   }
-  if (win_.size() != kWindow) win_.resize(kWindow);
-  ssize_t got = ::pread(fd_, win_.data(), kWindow, off_t(off));
+  if (!win_) win_ = std::make_unique_for_overwrite<uint8_t[]>(winCap_);
+  ssize_t got = ::pread(fd_, win_.get(), winCap_, off_t(off));
   winOff_ = off;
   winLen_ = got > 0 ? size_t(got) : 0;
   size_t have = std::min(n, winLen_);
-  std::memcpy(dst, win_.data(), have);
+  std::memcpy(dst, win_.get(), have);
   return have;
 }
 
@@ -68,7 +76,7 @@ bool WindowedFile::WriteAt(uint64_t off, const void* src, size_t n) {
   }
   // Keep the window true to the file where the write overlaps it.
   uint64_t a = std::max(off, winOff_), b = std::min(off + n, winOff_ + winLen_);
-  if (a < b) std::memcpy(win_.data() + (a - winOff_), p + (a - off), size_t(b - a));
+  if (a < b) std::memcpy(win_.get() + (a - winOff_), p + (a - off), size_t(b - a));
   return true;
 }
 

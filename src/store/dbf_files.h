@@ -1,14 +1,16 @@
 #pragma once
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
 namespace velmora {
 
-// One open file of the attribute store, read and written at offsets. Reads go through a
-// read-ahead window, so that a walk over the rows in file order costs one system call a
-// window instead of one a row; writes go straight to the file and into the window.
+// One open file of the attribute store, read and written at offsets. Reads that follow
+// each other through the file go through a read-ahead window, so that a walk over the rows
+// costs one system call a window instead of one a row; a read elsewhere takes just its
+// bytes. Writes go straight to the file and into the window.
 class WindowedFile {
 public:
   enum class Mode { Read, ReadWrite, Create };
@@ -32,9 +34,11 @@ public:
 private:
   int fd_ = -1;
   bool writable_ = false;
-  std::vector<uint8_t> win_;
+  std::unique_ptr<uint8_t[]> win_;
+  size_t winCap_ = 0; // as large as the file was at the open, within bounds
   uint64_t winOff_ = 0;
-  size_t winLen_ = 0; // valid bytes of the window
+  size_t winLen_ = 0;                  // valid bytes of the window
+  uint64_t lastOff_ = 0, lastEnd_ = 0; // the read before, to tell a walk from a jump
 };
 
 // The open dbf and swap files of a layer (DbfBlock::Files). When the last row holding it

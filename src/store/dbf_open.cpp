@@ -236,8 +236,10 @@ void AddField(Session& s, int lyr, const std::string& name, char typeLetter, int
 
   DbfField& f = b.DbfFields[size_t(n)];
   f = DbfField{};
-  std::string bytes = EncodeText(LayerPage(s, lyr), Trim(name));
-  for (size_t i = 0; i < 10 && i < bytes.size(); ++i) f.FieldName[i] = bytes[i];
+  int page = LayerPage(s, lyr);
+  std::string bytes = EncodeText(page, Trim(name));
+  size_t keep = FitBytes(page, bytes, 10);
+  for (size_t i = 0; i < keep; ++i) f.FieldName[i] = bytes[i];
   f.FieldType = typeLetter;
   f.FieldAddress = 0;
   f.FieldLength = uint8_t(length);

@@ -39,7 +39,19 @@ std::string Rearranged(const std::string& t) {
   return mid(6, 2) + "/" + mid(4, 2) + "/" + mid(0, 4);
 }
 
+int Digits(const std::string& t, size_t from, size_t n) {
+  int v = 0;
+  for (size_t i = from; i < from + n; ++i) v = v * 10 + (t[i] - '0');
+  return v;
+}
+
 std::string DateValue(const Session& s, std::string t) {
+  // The usual cell, eight digits: straight to the short date.
+  if (t.size() == 8 &&
+      std::all_of(t.begin(), t.end(), [](char c) { return c >= '0' && c <= '9'; })) {
+    DateParts d{Digits(t, 0, 4), Digits(t, 4, 2), Digits(t, 6, 2)};
+    if (ValidDate(d.Y, d.M, d.D)) return FormatShortDate(d, s.Locale.ShortDate);
+  }
   if (t.find('/') == std::string::npos) {
     if (AllBlank(t)) return t; // a blank date stays blank
     t = Rearranged(t);
