@@ -49,8 +49,8 @@ struct Reader {
       c.Pairs.push_back({t.substr(0, eq), t.substr(eq + 1)});
     }
   }
-  // A feature command: `least` tokens at least, the record at token 3, then `ints` more
-  // integers and `reals` reals in the order given by `kinds` ('i' or 'x').
+  // A feature command: an upper bound of at least `least`, the record at token 3, then one
+  // number per letter of `kinds` from token 4 on: 'i' an integer, 'x' a real.
   CmdCall Feature(CmdOp op, int least, const char* kinds) const {
     CmdCall c;
     if (Ub() < least) return c;
