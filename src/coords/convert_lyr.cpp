@@ -4,6 +4,7 @@
 #include <cstdlib>
 
 #include "coords/image_warp.h"
+#include "coords/utm_zone.h"
 #include "session/busy.h"
 #include "session/file_util.h"
 #include "session/log.h"
@@ -110,6 +111,20 @@ ConvertStatus ConvertCoordsCmd(Session& s, const ConvertCoordsArgs& a) {
   }
   LogMsg(s, ConvertCoordsText(s, a));
   return ConvertStatus::Converted;
+}
+
+bool CornerZones(const Session& s, int lyr, std::string& leftBottom, std::string& rightTop) {
+  leftBottom.clear(), rightTop.clear();
+  if (lyr < 1 || lyr > s.LyrCount) return false;
+  const LyrRec& l = s.Lyr[lyr];
+  const ShpMainHeader& h = l.Shp.ShpHeader;
+  if (!(h.Xmin >= -180 && h.Xmax <= 180 && h.Ymin >= -90 && h.Ymax <= 90)) return false;
+  auto text = [](double lat, double lon) {
+    return std::string(IsSouth(lat) ? "South" : "North") + " " + std::to_string(UTMZone(lat, lon));
+  };
+  leftBottom = text(h.Ymin, h.Xmin);
+  rightTop = text(h.Ymax, h.Xmax);
+  return true;
 }
 
 } // namespace velmora

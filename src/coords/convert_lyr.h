@@ -38,4 +38,8 @@ ConvertStatus ConvertCoordsCmd(Session& s, const ConvertCoordsArgs& a);
 // "Converting Coordinates System in Layer <name> from ..." in the two directions.
 std::string ConvertCoordsText(const Session& s, const ConvertCoordsArgs& a);
 
+// The advice of the dialog's two zone labels: hemisphere and zone of the layer's left-bottom
+// and right-top corners ("North 32"), when its extent is geographic; false and blanks if not.
+bool CornerZones(const Session& s, int lyr, std::string& leftBottom, std::string& rightTop);
+
 } // namespace velmora

@@ -107,6 +107,20 @@ TEST_F(LayerFixture, ConvertsFeaturesInTheRunningFrame) {
                                 "Geodetic System 1984 (WGS 84) to Geographic ");
 }
 
+TEST_F(LayerFixture, CornerZonesAdviseOnGeographicLayers) {
+  std::string lb, rt;
+  ASSERT_TRUE(CornerZones(s, 1, lb, rt));
+  EXPECT_EQ(lb, "North 32");
+  EXPECT_EQ(rt, "North 32");
+  BottomExtend(s.Lyr[1]) = -5, LeftExtend(s.Lyr[1]) = -179;
+  ASSERT_TRUE(CornerZones(s, 1, lb, rt));
+  EXPECT_EQ(lb, "South 1");
+  RightExtend(s.Lyr[1]) = 500000; // a grid layer
+  EXPECT_FALSE(CornerZones(s, 1, lb, rt));
+  EXPECT_EQ(lb, "");
+  EXPECT_EQ(rt, "");
+}
+
 TEST_F(LayerFixture, RefusalsAndBadZones) {
   for (const char* zone : {"0", "61", ""}) {
     EXPECT_EQ(ConvertCoordsCmd(s, Args(CoordDir::GeoToGrid, zone)), ConvertStatus::BadZone);
