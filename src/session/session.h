@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "coords/datum_types.h"
 #include "platform/host.h"
 #include "session/held_lyrs.h"
 #include "session/lyr_table.h"
@@ -37,6 +38,8 @@ struct Session {
   ViewVars View;
   uint8_t MapUnit = 0, MapCoordsIdx = 0, MapZone = 0, MapSouth = 0;
   uint8_t MeasUnit = 0, MeasCoordsIdx = 0, MeasZone = 0, MeasSouth = 0;
+  std::vector<DatumRec> DatumTbl; // coordinate systems: 0 .. 23 built in, user records after
+  PrjStageRec PrjStage;           // the last .prj file read
 
   std::vector<UndoEntry> UndoList;
   int32_t UndoPos = 0, UndoCount = 0;
