@@ -1,5 +1,7 @@
 #pragma once
 // Checked access to a layer's records and parts for the store's own operations.
+#include <algorithm>
+
 #include "session/session.h"
 
 namespace velmora::shpio {

@@ -276,7 +276,8 @@ void WriteLayer(Session& s, int lyr, const std::string& path, bool clean) {
   s.ShpErr = 0;
   LyrRec& L = s.Lyr[lyr];
   ShpBlock& B = L.Shp;
-  if (L.LyrKind == 0) {
+  if (L.LyrKind == 0 || B.RecCount < 0 ||
+      size_t(B.RecCount) >= std::max<size_t>(B.ShpRecs.size(), 1)) {
     s.ShpErr = 1;
     return;
   }

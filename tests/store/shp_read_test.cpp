@@ -139,6 +139,13 @@ TEST(ShpRead, EmptyFeaturesAndPartsTakeTheirSettledForms) {
   ASSERT_EQ(r4.Part(1).Size(), 1u);
   EXPECT_EQ(r4.Part(1).PartPoints()[0].X, 5);
   EXPECT_EQ(r4.Part(1).PartStart, 2);
+  // Saved, the feature without parts is a type 0 record under its own number.
+  SaveShp(s, 1, dir + "e2.shp");
+  ASSERT_EQ(s.ShpErr, 0);
+  std::string shx = ReadFile(dir + "e2.shx"), shp = ReadFile(dir + "e2.shp");
+  int32_t off2 = BE32At(shx, 100 + 8);
+  EXPECT_EQ(BE32At(shp, size_t(2 * off2)), 2);
+  EXPECT_EQ(LE32At(shp, size_t(2 * off2 + 8)), 0);
 }
 
 TEST(ShpRead, EmptyPolygonPartHasNoPlaceholder) {
