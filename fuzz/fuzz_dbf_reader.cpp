@@ -3,10 +3,12 @@
 // out of bounds.
 #include <cstdint>
 #include <cstdlib>
+#include <filesystem>
 #include <string>
 #include <unistd.h>
 
 #include "session/file_util.h"
+#include "session/lyr_slots.h"
 #include "session/session.h"
 #include "store/dbf_store.h"
 
@@ -14,14 +16,27 @@ using namespace velmora;
 
 namespace {
 
-const std::string& Folder() {
-  static const std::string dir = [] {
-    char tmpl[] = "/tmp/fuzz-dbf-XXXXXX";
-    const char* d = ::mkdtemp(tmpl);
+// A folder of its own for the run, removed at exit.
+struct RunFolder {
+  std::string path;
+  RunFolder() {
+    // In memory where there is such a folder: a disk file system flushes each rewrite.
+    char shm[] = "/dev/shm/fuzz-dbf-XXXXXX";
+    char tmp[] = "/tmp/fuzz-dbf-XXXXXX";
+    const char* d = ::mkdtemp(shm);
+    if (!d) d = ::mkdtemp(tmp);
     if (!d) std::abort();
-    return std::string(d) + "/";
-  }();
-  return dir;
+    path = std::string(d) + "/";
+  }
+  ~RunFolder() {
+    std::error_code ec;
+    std::filesystem::remove_all(path, ec);
+  }
+};
+
+const std::string& Folder() {
+  static const RunFolder folder;
+  return folder.path;
 }
 
 } // namespace
@@ -32,9 +47,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (size) std::fwrite(data, 1, size, f);
     std::fclose(f);
   }
-  Session s;
-  s.Lyr.Resize(1);
-  s.LyrCount = 1;
+  // One session for the whole run; the layer row starts empty for every input.
+  static Session s;
+  if (s.LyrCount != 1) {
+    s.Lyr.Resize(1);
+    s.LyrCount = 1;
+  }
+  ClearLyr(s, 1);
   s.Lyr[1].Fsource = shp;
   s.Lyr[1].LyrKind = 1;
   OpenDbf(s, 1, shp);

@@ -33,7 +33,7 @@ int GetFieldWidth(const Session& s, int lyr, int f);
 int GetFieldLength(const Session& s, int lyr, int f);
 int GetFieldDecimals(const Session& s, int lyr, int f);
 std::string GetFieldFormat(const Session& s, int lyr, int f);
-// Cell text of the buffer, in the session's encoding of text (see codepage.h).
+// Cell text of the buffer as UTF-8; the bytes are in the layer's code page (codepage.h).
 std::string GetFieldValue(const Session& s, int lyr, int f);
 void SetFieldValue(Session& s, int lyr, int f, const std::string& text);
 std::string GetRowText(const Session& s, int lyr);
