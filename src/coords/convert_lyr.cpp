@@ -43,8 +43,8 @@ void ConvertShpCoords(Session& s, int lyr, const CoordConv& c, RunningFunction& 
 
 } // namespace
 
-void ConvertLyrCoords(Session& s, int lyr, int srcDatum, int dstDatum, int zone, bool south) {
-  if (lyr < 1 || lyr > s.LyrCount) return;
+bool ConvertLyrCoords(Session& s, int lyr, int srcDatum, int dstDatum, int zone, bool south) {
+  if (lyr < 1 || lyr > s.LyrCount) return false;
   CoordConv c;
   c.Dir = srcDatum != 0 ? CoordDir::GridToGeo : CoordDir::GeoToGrid;
   c.Datum = srcDatum != 0 ? srcDatum : dstDatum;
@@ -56,16 +56,20 @@ void ConvertLyrCoords(Session& s, int lyr, int srcDatum, int dstDatum, int zone,
       (c.Dir == CoordDir::GridToGeo ? " from " + RecordName(s, c.Datum) + " to Geographic "
                                     : " from Geographic to " + RecordName(s, c.Datum));
   RunningFunction rf(s, lyr, "Coordinates System Converting", caption);
-  if (!rf.Started()) return;
+  if (!rf.Started()) return false;
   s.host->Progress(0, s.Lyr[lyr].Shp.RecCount + 1);
+  bool done = false;
   if (s.Lyr[lyr].LyrKind == 1) {
     ConvertShpCoords(s, lyr, c, rf);
+    done = true;
   } else if (s.Lyr[lyr].LyrKind == 2) {
-    ConvertImgCoords(s, lyr, c, [&rf](int row) { return rf.Step(row, row + 1); });
+    done = ConvertImgCoords(s, lyr, c, [&rf](int row) { return rf.Step(row, row + 1); });
   }
   rf.Finish(false);
+  if (!done) return false;
   MapFull(s);
   s.host->MapRedraw();
+  return true;
 }
 
 bool ZoneTextOk(const std::string& text, int& zone) {
@@ -101,10 +105,12 @@ ConvertStatus ConvertCoordsCmd(Session& s, const ConvertCoordsArgs& a) {
     return ConvertStatus::NotReady;
   int zone = 0;
   if (!ZoneTextOk(a.ZoneText, zone)) return ConvertStatus::BadZone;
-  if (a.Dir == CoordDir::GridToGeo)
-    ConvertLyrCoords(s, a.Lyr, a.Datum, 0, zone, a.South);
-  else
-    ConvertLyrCoords(s, a.Lyr, 0, a.Datum, zone, a.South);
+  bool done = a.Dir == CoordDir::GridToGeo ? ConvertLyrCoords(s, a.Lyr, a.Datum, 0, zone, a.South)
+                                           : ConvertLyrCoords(s, a.Lyr, 0, a.Datum, zone, a.South);
+  if (!done) {
+    LogMsg(s, cancelLine());
+    return ConvertStatus::NotReady;
+  }
   if (a.Lyr <= s.LyrCount && s.Lyr[a.Lyr].LyrTerminate) {
     LogMsg(s, cancelLine());
     return ConvertStatus::Terminated;

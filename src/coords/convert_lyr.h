@@ -11,7 +11,9 @@ namespace velmora {
 // means grid to geographic. Runs in the running-function frame under "Coordinates System
 // Converting", yields after each record, stops at "Terminate" with what is done so far, then
 // recomputes the extent and shows the map's full extent. The layer is marked changed.
-void ConvertLyrCoords(Session& s, int lyr, int srcDatum, int dstDatum, int zone, bool south);
+// False when the layer could not be taken up (busy, not open, an image while the image store
+// gives no pixels).
+bool ConvertLyrCoords(Session& s, int lyr, int srcDatum, int dstDatum, int zone, bool south);
 
 // What the conversion dialog asks for: a layer, a direction, a record and a zone text.
 struct ConvertCoordsArgs {

@@ -38,8 +38,10 @@ inline double ArcLengthOfMeridian(double phi, const DatumRec& d) {
   return ArcLengthOfMeridian(phi, std::sin(phi), std::cos(phi), d);
 }
 
-// The latitude whose meridian arc is y.
-inline double FootpointLatitude(double y, const DatumRec& d) {
+// The latitude whose meridian arc is y. Also gives its sine and cosine: the latitude is y'
+// plus a small correction d (under 0.003 radians on any real ellipsoid), so they follow from
+// those of y', which the series needs anyway, and a short Taylor series of d.
+inline double FootpointLatitude(double y, const DatumRec& d, double& sinF, double& cosF) {
   const double a = d.SMA, b = d.SMB;
   const double n = (a - b) / (a + b);
   const double n2 = n * n, n3 = n2 * n, n4 = n3 * n, n5 = n4 * n;
@@ -49,8 +51,25 @@ inline double FootpointLatitude(double y, const DatumRec& d) {
   const double gamma = 21 * n2 / 16 - 55 * n4 / 32;
   const double delta = 151 * n3 / 96 - 417 * n5 / 128;
   const double epsilon = 1097 * n4 / 512;
-  const SinMultiples sm = SinesOfMultiples(std::sin(yp), std::cos(yp));
-  return yp + beta * sm.S2 + gamma * sm.S4 + delta * sm.S6 + epsilon * sm.S8;
+  const double sy = std::sin(yp), cy = std::cos(yp);
+  const SinMultiples sm = SinesOfMultiples(sy, cy);
+  const double corr = beta * sm.S2 + gamma * sm.S4 + delta * sm.S6 + epsilon * sm.S8;
+  const double phi = yp + corr;
+  if (std::abs(corr) < 0.01) { // remainders below 1e-17
+    const double c2 = corr * corr;
+    const double sd = corr * (1 - c2 / 6 * (1 - c2 / 20 * (1 - c2 / 42)));
+    const double cd = 1 - c2 / 2 * (1 - c2 / 12 * (1 - c2 / 30));
+    sinF = sy * cd + cy * sd;
+    cosF = cy * cd - sy * sd;
+  } else {
+    sinF = std::sin(phi), cosF = std::cos(phi);
+  }
+  return phi;
+}
+
+inline double FootpointLatitude(double y, const DatumRec& d) {
+  double s, c;
+  return FootpointLatitude(y, d, s, c);
 }
 
 // The arc at the record's latitude of origin; exactly 0 at the equator, so skipped there.
@@ -91,16 +110,17 @@ inline GridXY MapLatLonToXY(double phi, double lambda, double lambda0, const Dat
 // Inverse Transverse Mercator: unscaled metres without false origin in, (lon, lat) radians out.
 inline GridXY MapXYToLatLon(double x, double y, double lambda0, const DatumRec& d) {
   const double a = d.SMA, b = d.SMB;
-  const double phif = FootpointLatitude(ArcAtOrigin(d) + y, d);
+  double sf, cf;
+  const double phif = FootpointLatitude(ArcAtOrigin(d) + y, d, sf, cf);
   const double ep2 = (a * a - b * b) / (b * b);
-  const double sf = std::sin(phif), cf = std::cos(phif);
   const double nuf2 = ep2 * cf * cf;
-  const double Nf = a * a / (b * std::sqrt(1 + nuf2));
-  const double tf = sf / cf;
-  const double tf2 = tf * tf, tf4 = tf2 * tf2;
+  const double root = std::sqrt(1 + nuf2);
   // x1 = 1/(Nf cf), x2 = tf/(2 Nf^2), x3 = 1/(6 Nf^3 cf) ... x8 = tf/(40320 Nf^8), written
-  // with the reciprocals of Nf and cf so that the point costs two divisions instead of eight.
-  const double iN = 1 / Nf, ic = 1 / cf;
+  // with the reciprocals of Nf and cf so that the point costs two divisions instead of ten.
+  // Nf = a^2 / (b sqrt(1 + nuf2)) and tf = tan phif enter only through 1/Nf and sf/cf.
+  const double iN = b * root / (a * a), ic = 1 / cf;
+  const double tf = sf * ic;
+  const double tf2 = tf * tf, tf4 = tf2 * tf2;
   const double iN2 = iN * iN, iN3 = iN2 * iN, iN4 = iN3 * iN, iN5 = iN4 * iN, iN6 = iN5 * iN,
                iN7 = iN6 * iN, iN8 = iN7 * iN;
   const double x1 = iN * ic;

@@ -30,8 +30,4 @@ bool IsSouth(double lat) {
   return lat < 0;
 }
 
-double UTMCentralMeridian(int zone) {
-  return DegToRad(double(zone * 6 - 183));
-}
-
 } // namespace velmora

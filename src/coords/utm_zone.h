@@ -1,6 +1,8 @@
 #pragma once
 #include <string>
 
+#include "coords/angles.h"
+
 namespace velmora {
 
 // The UTM zone of a point, 1 to 60, with the Norway and Svalbard exceptions.
@@ -9,7 +11,9 @@ int UTMZone(double lat, double lon);
 std::string UTMLetter(double lat);
 // Southern half: lat below 0.
 bool IsSouth(double lat);
-// Central meridian of a zone, radians.
-double UTMCentralMeridian(int zone);
+// Central meridian of a zone, radians; the product in whole numbers.
+inline double UTMCentralMeridian(int zone) {
+  return DegToRad(double(zone * 6 - 183));
+}
 
 } // namespace velmora

@@ -132,6 +132,15 @@ TEST_F(LayerFixture, RefusalsAndBadZones) {
   zero.Datum = 0; // record 0 never reaches the arithmetic
   EXPECT_EQ(ConvertCoordsCmd(s, zero), ConvertStatus::NotReady);
 
+  // Images wait for the image store's pixels: refused, and the layer is left as it is.
+  s.Lyr[1].LyrKind = 2;
+  EXPECT_EQ(ConvertCoordsCmd(s, Args(CoordDir::GeoToGrid, "31")), ConvertStatus::NotReady);
+  EXPECT_EQ(host.logged.back(), " *** Converting Coordinates System in Layer roads from "
+                                "Geographic to World Geodetic System 1984 (WGS 84) has been "
+                                "canceled *** ");
+  EXPECT_EQ(LeftExtend(s.Lyr[1]), 8.0);
+  s.Lyr[1].LyrKind = 1;
+
   LyrLock(s, 1, true, "Something Else");
   EXPECT_EQ(ConvertCoordsCmd(s, Args(CoordDir::GridToGeo, "31")), ConvertStatus::Busy);
   EXPECT_EQ(host.logged.back(), " *** Converting Coordinates System in Layer roads from World "

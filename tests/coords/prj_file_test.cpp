@@ -1,11 +1,13 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <random>
 
 #include "coords/datum_table.h"
 #include "coords/prj_file.h"
 #include "coords/utm_transform.h"
 #include "proj_oracle.h"
+#include "session/file_util.h"
 
 namespace velmora {
 namespace {
@@ -143,6 +145,54 @@ TEST(PrjFile, SpheroidWithoutFlatteningHasNoMinorAxis) {
   s.PrjStage.PrjText = "PARAMETER[\"Central_Meridian\", 9.5 deg]";
   ParsePrj(s);
   EXPECT_EQ(s.PrjStage.CM, 9.5);
+}
+
+} // namespace
+} // namespace velmora
+
+namespace velmora {
+namespace {
+
+// Scrambled texts built from the scan's own keywords and delimiters: the scan never reads
+// outside the text, and without "TRANSVERSE_MERCATOR" nothing is added.
+TEST(PrjFile, ScrambledTextsAreHarmless) {
+  const char* pieces[] = {"PROJCS[",
+                          "SPHEROID",
+                          "TRANSVERSE_MERCATOR",
+                          "FALSE_EASTING",
+                          "FALSE_NORTHING",
+                          "CENTRAL_MERIDIAN",
+                          "SCALE_FACTOR",
+                          "LATITUDE_OF_ORIGIN",
+                          "\"",
+                          ",",
+                          "]",
+                          "[",
+                          "1e308",
+                          "-",
+                          "x",
+                          " ",
+                          "nan",
+                          "0"};
+  std::mt19937 rng(11);
+  std::string dir = test::TempDir("prjfuzz");
+  for (int round = 0; round < 3000; ++round) {
+    Session s;
+    std::string text;
+    int n = int(rng() % 24);
+    for (int i = 0; i < n; ++i) text += pieces[rng() % std::size(pieces)];
+    bool tm = UCase(text).find("TRANSVERSE_MERCATOR") != std::string::npos;
+    if (round % 10 == 0) {
+      test::WriteFile(dir + "/f.prj", text);
+      LoadPrjFile(s, dir + "/f.prj");
+    } else {
+      s.PrjStage.PrjText = text;
+      ParsePrj(s);
+      if (s.PrjStage.PrjIsTM) AddDatum(s, DatumDefOf(s.PrjStage), DatumTrans{});
+    }
+    EXPECT_EQ(s.DatumTbl.size(), tm ? 25u : 24u) << text;
+    if (tm) LatLonToUTM(s, 10, 10, 32, false, 24); // whatever the values, no fault
+  }
 }
 
 } // namespace

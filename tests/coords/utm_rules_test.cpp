@@ -123,3 +123,34 @@ TEST(UtmRules, LatitudeOfOriginMovesTheNorthing) {
 
 } // namespace
 } // namespace velmora
+
+#include "coords/tm_series.h"
+
+namespace velmora {
+namespace {
+
+// The series take their sines from one sine and cosine; they must agree with the library's
+// to the last few bits, on a real ellipsoid and on a flattened one where the footpoint's
+// correction is too large for the short series.
+TEST(UtmRules, SinesOfMultiplesAndFootpoint) {
+  for (double v = -1.6; v <= 1.6; v += 0.01) {
+    SinMultiples m = SinesOfMultiples(std::sin(v), std::cos(v));
+    EXPECT_NEAR(m.S2, std::sin(2 * v), 1e-15);
+    EXPECT_NEAR(m.S4, std::sin(4 * v), 2e-15);
+    EXPECT_NEAR(m.S6, std::sin(6 * v), 4e-15);
+    EXPECT_NEAR(m.S8, std::sin(8 * v), 8e-15);
+  }
+  Session s;
+  DatumRec flat = s.DatumTbl[kWgs84Idx];
+  flat.SMB = flat.SMA * 0.7;
+  for (const DatumRec* d : {&s.DatumTbl[kWgs84Idx], &s.DatumTbl[1], &flat})
+    for (double y = -1e7; y <= 1e7; y += 123456.7) {
+      double sf, cf;
+      double phi = FootpointLatitude(y, *d, sf, cf);
+      EXPECT_NEAR(sf, std::sin(phi), 1e-15);
+      EXPECT_NEAR(cf, std::cos(phi), 1e-15);
+    }
+}
+
+} // namespace
+} // namespace velmora
