@@ -125,6 +125,7 @@ void OpenLyrFile(Session& s, int index, const std::string& path) {
     s.Lyr[index].LyrKind = 0; // quietly no layer
     s.LyrErr = 1;
   }
+  if (s.Lyr[index].LyrKind) InitDataUndo(s, index); // a fresh journal of cell edits
   if (index >= 1 && index <= s.LyrCount) s.host->LayerItemChanged(index);
 }
 

@@ -333,3 +333,19 @@ void UpdateControlPt(Session& s, int n, int rec) {
 }
 
 } // namespace velmora
+
+namespace velmora {
+
+void ControlPtFromRow(Session& s, int n, int row) {
+  LyrRec& l = s.Lyr[n];
+  int rec = row + 1;
+  if (rec < 1 || rec > l.Shp.RecCount || size_t(rec) >= l.Shp.ShpRecs.size()) return;
+  ShpRecord& r = l.Shp.ShpRecs[size_t(rec)];
+  if (r.NumParts < 1 || r.Part(0).Size() < 2) return;
+  auto pts = r.Part(0).PartPoints();
+  pts[0] = {StrToDbl(s, GetFieldValue(s, n, 2)), StrToDbl(s, GetFieldValue(s, n, 3))};
+  pts[1] = {StrToDbl(s, GetFieldValue(s, n, 4)), StrToDbl(s, GetFieldValue(s, n, 5))};
+  RecalcRecBox(s, n, rec);
+}
+
+} // namespace velmora

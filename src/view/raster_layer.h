@@ -30,6 +30,9 @@ void AutoBalanceBits(DibBits& bits);
 bool SaveImage(Session& s, int n, const std::string& path);
 bool SaveImageAs(Session& s, int n, const std::string& path);
 void SaveWorld(Session& s, int n, const std::string& path);
+// The control point of a table row (fields 2 to 5, in the buffer) moves the vertices of
+// its record of the frame: source first, destination second.
+void ControlPtFromRow(Session& s, int n, int row);
 // The control-point row of a record of the frame changed: the table follows the vertices.
 void UpdateControlPt(Session& s, int n, int rec);
 

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include "qt_app.h"
+
 #include <QApplication>
 #include <QComboBox>
 #include <QGroupBox>
@@ -12,21 +14,11 @@
 #include "ui/coords_convert_dialog.h"
 #include "ui/coords_dialog.h"
 
-// Fontconfig keeps a cache for the life of the process that the leak checker reports at exit;
-// it is not ours. (One definition per test program: move it to the support code when a
-// second file here needs it.)
-extern "C" const char* __lsan_default_suppressions() {
-  return "leak:libfontconfig\n";
-}
-
 namespace velmora {
 namespace {
 
 void EnsureApp() {
-  static int argc = 1;
-  static char name[] = "test_ui";
-  static char* argv[] = {name, nullptr};
-  if (!QApplication::instance()) new QApplication(argc, argv);
+  test::App();
 }
 
 struct ConvertDialogTest : ::testing::Test {
