@@ -5,8 +5,10 @@
 #include <string>
 #include <vector>
 
+#include "app/render.h"
 #include "platform/headless_host.h"
 #include "platform/qt/qt_host.h"
+#include "platform/qt/qt_image_io.h"
 #include "session/cmd_line.h"
 #include "session/layer_life.h"
 #include "session/start_session.h"
@@ -25,7 +27,10 @@ std::string ProgramDir() {
 int RunHeadless(int argc, char** argv, const std::vector<std::string>& args) {
   // No window, but the application object finds the image codecs and the program's folder.
   QCoreApplication app(argc, argv);
-  HeadlessHost host;
+  struct : HeadlessHost {
+    QtImageIO images;
+    ImageIO* Images() override { return &images; }
+  } host;
   Session s(host);
   s.ProgramDir = ProgramDir();
   s.GdipReady = ImageCodecsReady();
@@ -67,6 +72,10 @@ int main(int argc, char** argv) {
     return 2;
   case RunMode::Headless:
     return RunHeadless(argc, argv, o.Args);
+  case RunMode::Render:
+    return RunRender(argc, argv, o);
+  case RunMode::Transform:
+    return RunTransform(o);
   case RunMode::Window:
     break;
   }

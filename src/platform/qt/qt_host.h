@@ -6,6 +6,8 @@
 #include <string>
 
 #include "platform/host.h"
+#include "platform/qt/qt_image_io.h"
+#include <functional>
 
 namespace velmora {
 
@@ -48,6 +50,17 @@ public:
   bool StartSecondProcess() override;
   std::string SaveFileDialog(const std::string& title, const std::string& filter,
                              const std::string& defaultName) override;
+  void TableDataChanged(int lyr) override { emit tableDataChanged(lyr); }
+  Canvas* MapBuf() override { return mapBuf ? mapBuf() : nullptr; }
+  void MapShow() override {
+    if (mapShow) mapShow();
+  }
+  ImageIO* Images() override { return &images; }
+
+  // The window's map surface, set by the window that shows it.
+  std::function<Canvas*()> mapBuf;
+  std::function<void()> mapShow;
+  QtImageIO images;
 
 signals:
   void logAppended(const QString& msg);
@@ -57,6 +70,7 @@ signals:
   void layerItemChanged(int lyr);
   void mapRedrawRequested();
   void tableBlocked(int lyr, bool blocked);
+  void tableDataChanged(int lyr);
 
 private:
   QPointer<QWidget> window_;

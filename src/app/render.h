@@ -1,0 +1,12 @@
+#pragma once
+#include "session/cmd_line.h"
+
+namespace velmora {
+
+// velmora --render OUT.png --size WxH [ARGS]: the start-up without a window, then the map
+// drawn into an image of W by H pixels on white and saved.
+int RunRender(int argc, char** argv, const CmdLineOpts& o);
+// velmora --transform ...: the coordinate filter from standard input to standard output.
+int RunTransform(const CmdLineOpts& o);
+
+} // namespace velmora
