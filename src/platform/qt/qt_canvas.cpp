@@ -120,24 +120,33 @@ void QtCanvas::SetBrush(Colour c, int fillStyle) {
   p_->setBrush(QBrush(ToQColor(c), FillStyle(fillStyle)));
 }
 
+// PixPt and QPoint are both two ints, x then y: the points go to the painter as they are.
+static_assert(sizeof(PixPt) == sizeof(QPoint) && alignof(PixPt) == alignof(QPoint));
+static const QPoint* AsQPoints(const PixPt* p) {
+  return reinterpret_cast<const QPoint*>(p);
+}
+
 void QtCanvas::Polyline(const PixPt* pts, size_t n) {
   if (n == 0) return;
-  QPolygon poly{static_cast<int>(n)};
-  for (size_t i = 0; i < n; ++i) poly.setPoint(int(i), pts[i].x, pts[i].y);
   if (n == 1)
-    p_->drawPoint(poly.point(0));
+    p_->drawPoint(pts[0].x, pts[0].y);
   else
-    p_->drawPolyline(poly);
+    p_->drawPolyline(AsQPoints(pts), int(n));
 }
 
 void QtCanvas::PolyPolygon(const PixPt* pts, const int* counts, size_t rings) {
+  if (rings == 1) {
+    p_->drawPolygon(AsQPoints(pts), counts[0], Qt::OddEvenFill);
+    return;
+  }
   QPainterPath path;
   path.setFillRule(Qt::OddEvenFill);
   size_t at = 0;
   for (size_t r = 0; r < rings; ++r) {
-    QPolygon poly{counts[r]};
-    for (int i = 0; i < counts[r]; ++i, ++at) poly.setPoint(i, pts[at].x, pts[at].y);
-    path.addPolygon(QPolygonF(poly));
+    QPolygonF poly;
+    poly.reserve(counts[r]);
+    for (int i = 0; i < counts[r]; ++i, ++at) poly.append(QPointF(pts[at].x, pts[at].y));
+    path.addPolygon(poly);
     path.closeSubpath();
   }
   p_->drawPath(path);
