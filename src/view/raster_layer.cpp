@@ -307,7 +307,10 @@ void SaveWorld(Session& s, int n, const std::string& path) {
   if (l.Shp.ShpType != 99 || l.Img.ImgWidth <= 0 || l.Img.ImgHeight <= 0) return;
   WriteWorldFile(path, LeftExtend(l), TopExtend(l), RightExtend(l), BottomExtend(l), l.Img.ImgWidth,
                  l.Img.ImgHeight);
+  // The world values are known from now on: they are the ones just written.
   l.Img.HasWorld = -1;
+  l.Img.WorldLeft = LeftExtend(l), l.Img.WorldTop = TopExtend(l);
+  l.Img.WorldRight = RightExtend(l), l.Img.WorldBottom = BottomExtend(l);
 }
 
 void UpdateControlPt(Session& s, int n, int rec) {

@@ -6,13 +6,18 @@
 #include "platform/qt/qt_image_io.h"
 #include "qt_app.h"
 #include "session/commands.h"
+#include "session/file_util.h"
 #include "session/layer_life.h"
 #include "session/lyr_slots.h"
+#include "store/dbf_store.h"
 #include "store/shp_store.h"
 #include "test_support.h"
 #include "view/map_draw.h"
 #include "view/navigation.h"
+#include "view/raster_layer.h"
 #include "view/world_file.h"
+#include <array>
+#include <cstdio>
 
 using namespace velmora;
 
@@ -183,4 +188,110 @@ TEST_F(Render, ImagesLieUnderEveryVectorLayerWhateverTheListSays) {
   Draw();
   EXPECT_EQ(At(100, 100), QColor(255, 0, 0));
   EXPECT_EQ(At(100, 50), QColor(0, 160, 0));
+}
+
+namespace {
+
+// A 40 by 20 RGB picture made by GDAL: left half red, right half blue, placed at
+// (1000, 2000) with 10-unit pixels.
+std::string GdalPicture(const std::string& dir, const std::string& name, const std::string& args) {
+  test::WriteFile(dir + "r.asc", [] {
+    std::string t = "ncols 40\nnrows 20\nxllcorner 1000\nyllcorner 1800\ncellsize 10\n";
+    for (int y = 0; y < 20; ++y) {
+      for (int x = 0; x < 40; ++x) t += x < 20 ? "1 " : "2 ";
+      t += "\n";
+    }
+    return t;
+  }());
+  test::WriteFile(dir + "r.txt", "1 255 0 0\n2 0 0 255\n");
+  int st = 0;
+  test::RunCmd("gdaldem color-relief -q " + dir + "r.asc " + dir + "r.txt " + dir + "rgb.tif 2>&1",
+               &st);
+  EXPECT_EQ(st, 0);
+  test::RunCmd("gdal_translate -q " + args + " " + dir + "rgb.tif " + dir + name + " 2>&1", &st);
+  EXPECT_EQ(st, 0);
+  return dir + name;
+}
+
+} // namespace
+
+TEST_F(Render, GdalPicturesArePlacedByWorldFileAndTiePointsAndDrawn) {
+  s.GdipReady = true;
+  // GeoTIFF tie points and pixel scale.
+  std::string tif = GdalPicture(dir, "geo.tif", "-of GTiff");
+  AddShape(s, tif, false);
+  ASSERT_EQ(s.LyrCount, 1);
+  EXPECT_EQ(s.Lyr[1].LyrKind, 2);
+  EXPECT_DOUBLE_EQ(LeftExtend(s.Lyr[1]), 1000);
+  EXPECT_DOUBLE_EQ(TopExtend(s.Lyr[1]), 2000);
+  EXPECT_DOUBLE_EQ(RightExtend(s.Lyr[1]), 1400);
+  EXPECT_DOUBLE_EQ(BottomExtend(s.Lyr[1]), 1800);
+  EXPECT_EQ(s.Lyr[1].Shp.ShpType, 99);
+  EXPECT_TRUE(FileExists(dir + "geo.shp")); // the frame, made at first open
+  EXPECT_TRUE(FileExists(dir + "geo.dbf"));
+
+  // A PNG with GDAL's world file: the sixth line is read as half a pixel above the top
+  // edge, so the picture sits one pixel row lower than GDAL places it.
+  std::string png = GdalPicture(dir, "w.png", "-of PNG -co WORLDFILE=YES");
+  ASSERT_TRUE(FileExists(dir + "w.wld") || FileExists(dir + "w.pgw"));
+  if (!FileExists(dir + "w.pgw")) std::rename((dir + "w.wld").c_str(), (dir + "w.pgw").c_str());
+  AddShape(s, png, false);
+  ASSERT_EQ(s.LyrCount, 2);
+  EXPECT_DOUBLE_EQ(LeftExtend(s.Lyr[2]), 1000);
+  EXPECT_DOUBLE_EQ(TopExtend(s.Lyr[2]), 1990);
+  EXPECT_DOUBLE_EQ(BottomExtend(s.Lyr[2]), 1790);
+
+  // Drawn stretched into their extents: the whole view is the GeoTIFF's square.
+  s.Lyr[2].DVisable = 0;
+  s.MapView.ViewW = 200, s.MapView.ViewH = 100;
+  QImage view(200, 100, QImage::Format_RGB32);
+  {
+    QtCanvas c(view, &host.images);
+    c.Clear(PackRGB(255, 255, 255));
+    DrawArgs a;
+    a.Left = 1000, a.Top = 2000, a.Right = 1400, a.Bottom = 1800;
+    MapDraw(s, 1, 2, &c, a);
+  }
+  EXPECT_EQ(view.pixelColor(50, 50), QColor(255, 0, 0));
+  EXPECT_EQ(view.pixelColor(150, 50), QColor(0, 0, 255));
+}
+
+TEST_F(Render, TwoControlPointsRectifyAndTheWorldFileFollows) {
+  s.GdipReady = true;
+  std::string png = GdalPicture(dir, "c.png", "-of PNG");
+  AddShape(s, png, false);
+  ASSERT_EQ(s.LyrCount, 1);
+  // Unplaced: the picture's pixels below and right of the origin.
+  EXPECT_DOUBLE_EQ(RightExtend(s.Lyr[1]), 40);
+  EXPECT_DOUBLE_EQ(BottomExtend(s.Lyr[1]), -20);
+  // Two control points as rows of the frame's table and records of the frame.
+  for (auto [sx, sy, dx, dy] : {std::array<double, 4>{0, 0, 500, 300}, {40, -20, 900, 100}}) {
+    // The row first: a blank row written to the table moves its point to the origin.
+    AddRec(s, 1);
+    int rec = s.Lyr[1].Shp.RecCount;
+    AddDbfRec(s, 1, rec - 1);
+    AddVertex(s, 1, rec, 0, sx, sy, 0, 0);
+    AddVertex(s, 1, rec, 0, dx, dy, 0, 0);
+    UpdateControlPt(s, 1, rec);
+  }
+  ASSERT_EQ(s.Lyr[1].Dbf.DbfFieldCount, 5);
+  ASSERT_EQ(s.Lyr[1].Shp.RecCount, 2);
+  ReadDbfRec(s, 1, 1);
+  EXPECT_EQ(Trim(GetFieldValue(s, 1, 4)), "900");
+  RectifyImage(s, 1);
+  EXPECT_DOUBLE_EQ(LeftExtend(s.Lyr[1]), 500);
+  EXPECT_DOUBLE_EQ(TopExtend(s.Lyr[1]), 300);
+  EXPECT_DOUBLE_EQ(RightExtend(s.Lyr[1]), 900);
+  EXPECT_DOUBLE_EQ(BottomExtend(s.Lyr[1]), 100);
+  EXPECT_EQ(s.Lyr[1].Img.ImgRectified, -1);
+  double l = 0, t = 0, r = 0, b = 0;
+  int16_t found = 0;
+  ReadWorldFile(s, png, l, t, r, b, 40, 20, found);
+  EXPECT_EQ(found, -1);
+  EXPECT_DOUBLE_EQ(l, 500);
+  EXPECT_DOUBLE_EQ(b, 100);
+
+  UnRectifyImage(s, 1);
+  EXPECT_EQ(s.Lyr[1].Img.ImgRectified, 0);
+  EXPECT_DOUBLE_EQ(LeftExtend(s.Lyr[1]), 500); // the world file written by the rectify
 }
