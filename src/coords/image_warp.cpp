@@ -1,5 +1,10 @@
 #include "coords/image_warp.h"
 
+#include <algorithm>
+
+#include "platform/image_io.h"
+#include "view/raster_layer.h"
+
 #include <cmath>
 
 namespace velmora {
@@ -48,10 +53,35 @@ void WarpImage(const Session& s, const CoordConv& c, const BgrImage& src, const 
   }
 }
 
-bool ConvertImgCoords(Session& /*s*/, int /*lyr*/, const CoordConv& /*c*/,
-                      const std::function<bool(int)>& /*step*/) {
-  // The image store does not yet hand out its pixels; see the contract in the header.
-  return false;
+bool ConvertImgCoords(Session& s, int lyr, const CoordConv& c,
+                      const std::function<bool(int)>& step) {
+  ImageIO* io = s.host->Images();
+  LyrRec& l = s.Lyr[lyr];
+  DibBits dib;
+  if (!io || !l.Img.ImgPic || !io->GetBits(l.Img.ImgPic, dib)) return false;
+  // The store's rows are padded to four bytes; the warp's are not.
+  BgrImage src;
+  src.W = dib.Width, src.H = dib.Height;
+  src.Bits.resize(size_t(src.W) * 3 * size_t(src.H));
+  for (int y = 0; y < src.H; ++y)
+    std::copy_n(&dib.Bits[size_t(y) * size_t(dib.Stride())], size_t(src.W) * 3,
+                &src.Bits[size_t(y) * size_t(src.W) * 3]);
+  WorldExtent ext{LeftExtend(l), TopExtend(l), RightExtend(l), BottomExtend(l)};
+  BgrImage dst;
+  WorldExtent out;
+  WarpImage(s, c, src, ext, dst, out, step);
+  if (dst.W != dib.Width || dst.H != dib.Height) return false;
+  for (int y = 0; y < dst.H; ++y)
+    std::copy_n(&dst.Bits[size_t(y) * size_t(dst.W) * 3], size_t(dst.W) * 3,
+                &dib.Bits[size_t(y) * size_t(dib.Stride())]);
+  if (!io->SetBits(l.Img.ImgPic, dib)) return false;
+  LyrRec& after = s.Lyr[lyr];
+  LeftExtend(after) = out.Left, TopExtend(after) = out.Top;
+  RightExtend(after) = out.Right, BottomExtend(after) = out.Bottom;
+  RebuildImgFrame(s, lyr);
+  after.Img.ImgChanged = -1;
+  after.Img.WorldChanged = -1;
+  return true;
 }
 
 } // namespace velmora

@@ -2,6 +2,7 @@
 
 #include <QImage>
 
+#include "coords/convert_lyr.h"
 #include "platform/qt/qt_canvas.h"
 #include "platform/qt/qt_image_io.h"
 #include "qt_app.h"
@@ -294,4 +295,34 @@ TEST_F(Render, TwoControlPointsRectifyAndTheWorldFileFollows) {
   UnRectifyImage(s, 1);
   EXPECT_EQ(s.Lyr[1].Img.ImgRectified, 0);
   EXPECT_DOUBLE_EQ(LeftExtend(s.Lyr[1]), 500); // the world file written by the rectify
+}
+
+TEST_F(Render, AnImageLayerMovesToAGridWithOnlyItsOwnColoursOrWhite) {
+  s.GdipReady = true;
+  // The red and blue picture placed in degrees around 9 E, 45 N by its world file.
+  std::string png = GdalPicture(dir, "deg.png", "-of PNG");
+  ASSERT_TRUE(WriteWorldFile(png, 8.5, 45.5, 9.5, 45.0, 40, 20));
+  AddShape(s, png, false);
+  ASSERT_EQ(s.LyrCount, 1);
+  ConvertCoordsArgs a;
+  a.Lyr = 1, a.Datum = 23, a.Dir = CoordDir::GeoToGrid, a.ZoneText = "32";
+  ASSERT_EQ(ConvertCoordsCmd(s, a), ConvertStatus::Converted);
+  LyrRec& l = s.Lyr[1];
+  // Zone 32's central meridian is 9 E: the picture straddles x = 500 km.
+  EXPECT_LT(LeftExtend(l), 500000);
+  EXPECT_GT(RightExtend(l), 500000);
+  EXPECT_GT(BottomExtend(l), 4.9e6);
+  EXPECT_EQ(l.Img.ImgChanged, -1);
+  DibBits bits;
+  ASSERT_TRUE(host.images.GetBits(l.Img.ImgPic, bits));
+  int coloured = 0;
+  for (int y = 0; y < bits.Height; ++y)
+    for (int x = 0; x < bits.Width; ++x) {
+      const uint8_t* p = &bits.Bits[size_t(y * bits.Stride() + x * 3)];
+      bool red = p[0] == 0 && p[1] == 0 && p[2] == 255, blue = p[0] == 255 && !p[1] && !p[2];
+      bool white = p[0] == 255 && p[1] == 255 && p[2] == 255;
+      EXPECT_TRUE(red || blue || white);
+      coloured += red || blue;
+    }
+  EXPECT_GT(coloured, 40 * 20 / 2);
 }
