@@ -4,34 +4,16 @@
 #include <fstream>
 #include <sstream>
 
-#include "test_support.h"
+#include "app_support.h"
 
 using velmora::test::ReadFile;
 using velmora::test::RunCmd;
 using velmora::test::TempDir;
 using velmora::test::WriteFile;
 
-namespace {
-
-std::string Quote(const std::string& s) {
-  std::string q = "'";
-  for (char c : s) q += c == '\'' ? std::string("'\\''") : std::string(1, c);
-  return q + "'";
-}
-
-std::string Velmora(const std::string& args, int* status, bool withStderr = false) {
-  std::string cmd = Quote(VELMORA_BINARY) + " " + args + (withStderr ? " 2>&1" : " 2>/dev/null");
-  return RunCmd(cmd, status);
-}
-
-std::vector<std::string> Lines(const std::string& out) {
-  std::vector<std::string> v;
-  std::istringstream in(out);
-  for (std::string l; std::getline(in, l);) v.push_back(l);
-  return v;
-}
-
-} // namespace
+using velmora::test::Lines;
+using velmora::test::Quote;
+using velmora::test::Velmora;
 
 TEST(Headless, RunsAListAndLogsEachMessageAsALine) {
   std::string dir = TempDir("app dir");
