@@ -73,6 +73,18 @@ void RecalcRecBox(Session& s, int lyr, int rec) {
   if (seen && lyr >= 1) RecLabelPoint(s, lyr, rec);
 }
 
+void RebuildFrameRecord(Session& s, int lyr) {
+  LyrRec& L = s.Lyr[lyr];
+  ShpBlock& B = L.Shp;
+  if (B.ShpRecs.empty()) B.ShpRecs.resize(1);
+  ShpRecord& f = B.ShpRecs[0];
+  if (f.ShapeType != 99 || f.PartSlots() < 1 || f.Part(0).Size() < 5) MakeFrameRecord(f);
+  double l = LeftExtend(L), t = TopExtend(L), r = RightExtend(L), b = BottomExtend(L);
+  auto P = f.Part(0).PartPoints();
+  P[0] = {l, t}, P[1] = {r, t}, P[2] = {r, b}, P[3] = {l, b}, P[4] = {l, t};
+  RecalcRecBox(s, lyr, 0);
+}
+
 void RecalcExtent(Session& s, int lyr) {
   LyrRec& L = s.Lyr[lyr];
   ShpBlock& B = L.Shp;
@@ -81,13 +93,7 @@ void RecalcExtent(Session& s, int lyr) {
   if (lyr >= 1 && lyr <= s.LyrCount) s.host->LayerItemChanged(lyr);
   if (B.ShpType == 99) {
     // A raster's frame: its extent is set from the image, the record follows it.
-    if (B.ShpRecs.empty()) B.ShpRecs.resize(1);
-    ShpRecord& f = B.ShpRecs[0];
-    if (f.ShapeType != 99 || f.PartSlots() < 1 || f.Part(0).Size() < 5) MakeFrameRecord(f);
-    double l = LeftExtend(L), t = TopExtend(L), r = RightExtend(L), b = BottomExtend(L);
-    auto P = f.Part(0).PartPoints();
-    P[0] = {l, t}, P[1] = {r, t}, P[2] = {r, b}, P[3] = {l, b}, P[4] = {l, t};
-    RecalcRecBox(s, lyr, 0);
+    RebuildFrameRecord(s, lyr);
     return;
   }
   bool any = false;

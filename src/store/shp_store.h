@@ -47,6 +47,8 @@ void ReversePart(Session& s, int lyr, int rec, int part);
 void ConvertLineGon(Session& s, int lyr, int oldType, int newType);
 void RecalcRecBox(Session& s, int lyr, int rec);
 void RecalcExtent(Session& s, int lyr);
+// The frame record in slot 0: the closed rectangle of the layer's extent.
+void RebuildFrameRecord(Session& s, int lyr);
 void RecLabelPoint(Session& s, int lyr, int rec);
 
 // Measures, rounded to nine decimals.

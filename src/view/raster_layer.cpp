@@ -161,22 +161,7 @@ void ApplyWorldExtent(Session& s, int n) {
 }
 
 void RebuildImgFrame(Session& s, int n) {
-  LyrRec& l = s.Lyr[n];
-  if (l.Shp.ShpRecs.empty()) l.Shp.ShpRecs.resize(1);
-  ShpRecord& r = l.Shp.ShpRecs[0];
-  r.ShapeType = 99;
-  r.ResizeParts(1);
-  ShpPart& p = r.Part(0);
-  p.Resize(5);
-  p.PartStart = 0;
-  p.PartFlag = 0;
-  p.PartCount = 5;
-  r.NumPoints = 5;
-  double L = LeftExtend(l), T = TopExtend(l), R = RightExtend(l), B = BottomExtend(l);
-  auto pts = p.PartPoints();
-  pts[0] = {L, T}, pts[1] = {R, T}, pts[2] = {R, B}, pts[3] = {L, B}, pts[4] = {L, T};
-  r.Xmin = std::min(L, R), r.Xmax = std::max(L, R);
-  r.Ymin = std::min(T, B), r.Ymax = std::max(T, B);
+  RebuildFrameRecord(s, n);
 }
 
 void ShiftImage(Session& s, int n, double srcX, double srcY, double disX, double disY) {

@@ -55,6 +55,18 @@ protected:
     return s.LyrCount;
   }
   std::string Path(int n) { return s.Lyr[n].Fsource; }
+  // A two-vertex line as feature `f` of layer n, with field pairs.
+  void Line(int n, int f, int x1, int y1, int x2, int y2, const std::string& pairs = "") {
+    Run("ADD FEATURE " + Path(n) + " 0 " + std::to_string(x1) + " " + std::to_string(y1) + pairs);
+    Run("ADD VERTEX " + Path(n) + " " + std::to_string(f) + " 0 " + std::to_string(x2) + " " +
+        std::to_string(y2));
+  }
+  // The square (20, 20) .. (180, 180) as feature 1 of layer n.
+  void Square(int n) {
+    Run("ADD FEATURE " + Path(n) + " 0 20 20");
+    for (auto [x, y] : {std::pair{20, 180}, {180, 180}, {180, 20}, {20, 20}})
+      Run("ADD VERTEX " + Path(n) + " 1 0 " + std::to_string(x) + " " + std::to_string(y));
+  }
   void Plain(int n, RGB3 fore, RGB3 fill, int fillStyle = 0) {
     SetCForeColor(s.Lyr[n], 0, fore.R, fore.G, fore.B);
     SetCFillColor(s.Lyr[n], 0, fill.R, fill.G, fill.B);
@@ -80,11 +92,8 @@ const RGB3 kRed{255, 0, 0}, kBlue{0, 0, 255}, kGreen{0, 160, 0}, kBlack{0, 0, 0}
 
 TEST_F(Render, PolygonWithAHoleFillsTheRingAndLeavesTheHole) {
   int n = Layer("gons", "POLYGON");
-  Run("ADD FEATURE " + Path(n) + " 0 20 20");
-  for (auto [x, y] : {std::pair{20, 180}, {180, 180}, {180, 20}, {20, 20}})
-    Run("ADD VERTEX " + Path(n) + " 1 0 " + std::to_string(x) + " " + std::to_string(y));
+  Square(n);
   // The hole as a second part.
-  s.Lyr[n].Shp.ShpRecs[1].NumParts += 0;
   AddPart(s, n, 1);
   for (auto [x, y] : {std::pair{80, 80}, {120, 80}, {120, 120}, {80, 120}, {80, 80}})
     AddVertex(s, n, 1, 1, x, y, 0, 0);
@@ -120,10 +129,8 @@ TEST_F(Render, PointsAreSquaresOfTheClassWidthAndSelectionOutlinesThem) {
 TEST_F(Render, ClassesComeFromTheTableAndUnknownValuesUseClassZero) {
   int n = Layer("roads", "POLYLINE");
   Run("ADD FIELD " + Path(n) + " KIND C 10 0");
-  Run("ADD FEATURE " + Path(n) + " 0 10 150 KIND=main");
-  Run("ADD VERTEX " + Path(n) + " 1 0 190 150");
-  Run("ADD FEATURE " + Path(n) + " 0 10 50 KIND=other");
-  Run("ADD VERTEX " + Path(n) + " 2 0 190 50");
+  Line(n, 1, 10, 150, 190, 150, " KIND=main");
+  Line(n, 2, 10, 50, 190, 50, " KIND=other");
   LyrRec& l = s.Lyr[n];
   Plain(n, kBlack, kBlack);
   l.CFName = 2; // ID is field 1
@@ -139,10 +146,8 @@ TEST_F(Render, ClassesComeFromTheTableAndUnknownValuesUseClassZero) {
 
 TEST_F(Render, ScaleLimitsHideALayerAndDeletedFeaturesAreNotDrawn) {
   int n = Layer("lines", "POLYLINE");
-  Run("ADD FEATURE " + Path(n) + " 0 10 100");
-  Run("ADD VERTEX " + Path(n) + " 1 0 190 100");
-  Run("ADD FEATURE " + Path(n) + " 0 100 10");
-  Run("ADD VERTEX " + Path(n) + " 2 0 100 190");
+  Line(n, 1, 10, 100, 190, 100);
+  Line(n, 2, 100, 10, 100, 190);
   Plain(n, kBlack, kBlack);
   s.Lyr[n].DShowVrt = 1;
   Run("DELETE FEATURE " + Path(n) + " 2");
@@ -159,9 +164,7 @@ TEST_F(Render, ScaleLimitsHideALayerAndDeletedFeaturesAreNotDrawn) {
 
 TEST_F(Render, SelectedPolygonWithNoLineAndHollowFillShowsNothing) {
   int n = Layer("sel", "POLYGON");
-  Run("ADD FEATURE " + Path(n) + " 0 20 20");
-  for (auto [x, y] : {std::pair{20, 180}, {180, 180}, {180, 20}, {20, 20}})
-    Run("ADD VERTEX " + Path(n) + " 1 0 " + std::to_string(x) + " " + std::to_string(y));
+  Square(n);
   Plain(n, kBlack, kBlue);
   s.Lyr[n].SDrawStyle = 5;
   s.Lyr[n].SFillStyle = 1;
@@ -178,8 +181,7 @@ TEST_F(Render, ImagesLieUnderEveryVectorLayerWhateverTheListSays) {
   ASSERT_TRUE(pic.save(QString::fromStdString(dir + "pic.png")));
   ASSERT_TRUE(WriteWorldFile(dir + "pic.png", 0, 200, 200, 0, 20, 20));
   int line = Layer("over", "POLYLINE");
-  Run("ADD FEATURE " + Path(line) + " 0 10 100");
-  Run("ADD VERTEX " + Path(line) + " 1 0 190 100");
+  Line(line, 1, 10, 100, 190, 100);
   Plain(line, kRed, kRed);
   s.GdipReady = true;
   AddShape(s, dir + "pic.png", false);
