@@ -90,6 +90,7 @@ void ClearProject(Session& s) {
   s.ProjFile.clear();
   s.ProjChanged = 0;
   s.View.ZoomPrevEnabled = s.View.ZoomNextEnabled = false;
+  s.View.MapToolKeep = 2;
   s.View.MapScale = 0;
   s.host->LayerListChanged();
   s.host->MapRedraw();

@@ -74,7 +74,7 @@ MainWindow::MainWindow(Session& s, QtHost& host, QWidget* parent)
   logDock->setFeatures(QDockWidget::DockWidgetMovable | QDockWidget::DockWidgetFloatable);
   logDock->setWidget(commandBar_);
   addDockWidget(Qt::BottomDockWidgetArea, logDock);
-  resizeDocks({layersDock}, {240}, Qt::Horizontal);
+  resizeDocks({layersDock}, {270}, Qt::Horizontal);
   resizeDocks({logDock}, {130}, Qt::Vertical);
 
   statusText_ = new QLabel(this);
@@ -119,7 +119,7 @@ MainWindow::MainWindow(Session& s, QtHost& host, QWidget* parent)
   connect(list_, &QListWidget::itemSelectionChanged, this, &MainWindow::SyncUi);
 
   // Room for the whole view beside the list, within the screen.
-  QSize want(s_.MapView.ViewW + 260, s_.MapView.ViewH + 300);
+  QSize want(s_.MapView.ViewW + 290, s_.MapView.ViewH + 300);
   if (QScreen* sc = QGuiApplication::primaryScreen()) want = want.boundedTo(sc->availableSize());
   resize(want);
   SyncUi();

@@ -164,6 +164,7 @@ TEST_F(MenusTest, CloseProjectRefusesWhileBusyThenAsksAndClears) {
   EXPECT_EQ(WindowCaption(s), "Velmora GIS");
   Add("a", "POINT (1 1)");
   s.ProjFile = dir + "world.qmt";
+  ChooseMapTool(s, kToolPan);
   EXPECT_EQ(WindowCaption(s), "world.qmt : Velmora GIS");
 
   LyrLock(s, 1, true, "Save Layer");
@@ -190,6 +191,7 @@ TEST_F(MenusTest, CloseProjectRefusesWhileBusyThenAsksAndClears) {
   EXPECT_EQ(s.ViewCount, 0);
   EXPECT_EQ(s.MapView.ViewW, 400); // the view size stays
   EXPECT_EQ(s.MapView.MapTool, 1);
+  EXPECT_EQ(s.View.MapToolKeep, kToolZoomIn);
   EXPECT_FALSE(GetToolbarState(s).HasLayers);
   EXPECT_EQ(host.lists, 1);
   EXPECT_EQ(WindowCaption(s), "Velmora GIS");

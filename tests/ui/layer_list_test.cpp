@@ -92,7 +92,6 @@ TEST_F(ListTest, MoveUpAndDownReorderLayersAndSelection) {
 
 TEST_F(ListTest, RenameIsRefusedWhileAToolDialogIsOpen) {
   AddThree();
-  w.show();
   QAction* convert = nullptr;
   for (QAction* a : w.findChildren<QAction*>())
     if (a->text() == "Convert Vector and Raster Layer Coordinates System...") convert = a;
@@ -105,7 +104,7 @@ TEST_F(ListTest, RenameIsRefusedWhileAToolDialogIsOpen) {
                      "Renaming Layer Name *** "));
   for (QWidget* d : QApplication::topLevelWidgets())
     if (d != &w) d->close();
-  App().processEvents();
+  QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
   List()->item(0)->setText("roads");
   EXPECT_EQ(s.Lyr[1].LyrName, "roads");
   EXPECT_TRUE(Logged("a.shp  to  roads"));
