@@ -32,6 +32,7 @@
 #include "ui/layer_list_widget.h"
 #include "ui/layer_props_dialog.h"
 #include "ui/map_widget.h"
+#include "ui/tool_icons.h"
 #include "view/map_toolbar.h"
 #include "view/map_tools.h"
 #include "view/navigation.h"
@@ -145,14 +146,19 @@ void MainWindow::BuildToolbar() {
   tools_->setExclusionPolicy(QActionGroup::ExclusionPolicy::ExclusiveOptional);
   actFull_ = new QAction("Full Extent", this);
   actFull_->setObjectName("FullExtent");
+  actFull_->setIcon(MakeToolIcon(ToolIcon::FullExtent));
   connect(actFull_, &QAction::triggered, this, [this] {
     if (s_.LyrCount > 0) MapFull(s_);
   });
   QAction* zoomIn = ToolAction("Zoom In", "ZoomIn", kToolZoomIn);
+  zoomIn->setIcon(MakeToolIcon(ToolIcon::ZoomIn));
   QAction* zoomOut = ToolAction("Zoom Out", "ZoomOut", kToolZoomOut);
+  zoomOut->setIcon(MakeToolIcon(ToolIcon::ZoomOut));
   QAction* pan = ToolAction("Pan", "Pan", kToolPan);
+  pan->setIcon(MakeToolIcon(ToolIcon::Pan));
   actPrev_ = new QAction("Zoom Previous", this);
   actPrev_->setObjectName("ZoomPrevious");
+  actPrev_->setIcon(MakeToolIcon(ToolIcon::ZoomPrevious));
   connect(actPrev_, &QAction::triggered, this, [this] {
     ZoomPrevious(s_);
     map_->UpdateCursor();
@@ -160,6 +166,7 @@ void MainWindow::BuildToolbar() {
   });
   actNext_ = new QAction("Zoom Next", this);
   actNext_->setObjectName("ZoomNext");
+  actNext_->setIcon(MakeToolIcon(ToolIcon::ZoomNext));
   connect(actNext_, &QAction::triggered, this, [this] {
     ZoomNext(s_);
     map_->UpdateCursor();
@@ -167,11 +174,14 @@ void MainWindow::BuildToolbar() {
   });
   QAction* terminate = new QAction("Terminate All Running Functions", this);
   terminate->setObjectName("mnuTerminateAll");
+  terminate->setIcon(MakeToolIcon(ToolIcon::Terminate));
   connect(terminate, &QAction::triggered, this, [this] { TerminateAllRunning(s_); });
 
   QToolBar* tb = addToolBar("Map Tools");
   tb->setObjectName("Toolbar");
   tb->setMovable(false);
+  tb->setIconSize(QSize(24, 24));
+  tb->setToolButtonStyle(Qt::ToolButtonIconOnly); // the texts are the tool tips
   tb->addAction(actFull_);
   tb->addSeparator();
   tb->addAction(zoomIn);
