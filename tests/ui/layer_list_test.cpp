@@ -44,8 +44,9 @@ std::string Ogr(const std::string& dir, const std::string& name,
 
 // Message boxes answer themselves.
 struct QuietHost : QtHost {
-  MsgAnswer MsgBox(const std::string&, const std::string&, MsgButtons, MsgAnswer dflt) override {
-    return dflt;
+  MsgAnswer reply = MsgAnswer::Cancel; // to questions with three buttons
+  MsgAnswer MsgBox(const std::string&, const std::string&, MsgButtons b, MsgAnswer dflt) override {
+    return b == MsgButtons::YesNoCancel ? reply : dflt;
   }
 };
 
@@ -204,4 +205,23 @@ TEST_F(ListTest, TheWindowShowsWhatTheHeadlessRenderingDraws) {
     }
   EXPECT_GT(drawn, W * H / 10);
   EXPECT_EQ(differ, 0);
+}
+
+TEST_F(ListTest, CloseProjectEmptiesTheWindow) {
+  AddThree();
+  s.ProjFile = dir + "towns.qmt";
+  w.SyncUi();
+  EXPECT_EQ(w.windowTitle(), "towns.qmt : Velmora GIS");
+  Act("mnuCloseProject")->trigger(); // Cancel: nothing happens
+  EXPECT_EQ(List()->count(), 3);
+  host.reply = MsgAnswer::No;
+  Act("mnuCloseProject")->trigger();
+  App().processEvents();
+  EXPECT_EQ(List()->count(), 0);
+  EXPECT_EQ(w.windowTitle(), "Velmora GIS");
+  EXPECT_FALSE(Act("ZoomIn")->isEnabled());
+  EXPECT_FALSE(Act("mnuRemoveLayer")->isEnabled());
+  EXPECT_TRUE(Logged("Close Project " + dir + "towns.qmt"));
+  const QImage& img = w.Map()->Image();
+  EXPECT_EQ(img.pixelColor(img.width() / 2, img.height() / 2), QColor(Qt::white));
 }
