@@ -1,7 +1,9 @@
 // velmora: the window, or with --headless the same start-up without one.
 #include <QApplication>
 #include <QCoreApplication>
+#include <QTimer>
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -53,6 +55,16 @@ int RunWindow(int argc, char** argv) {
     return 0;
   }
   w.ShowLog();
+  // VELMORA_SCREENSHOT=path: the window saves its picture after the start-up and quits.
+  if (const char* shot = std::getenv("VELMORA_SCREENSHOT")) {
+    QString path = QString::fromLocal8Bit(shot);
+    QTimer::singleShot(1500, &w, [&w, &s, path] {
+      if (!w.grab().save(path))
+        std::fprintf(stderr, "velmora: cannot write %s\n", qPrintable(path));
+      CloseAllLyrs(s);
+      QCoreApplication::quit();
+    });
+  }
   return app.exec();
 }
 

@@ -12,6 +12,7 @@
 #include "session/undo.h"
 #include "store/dbf_store.h"
 #include "store/shp_store.h"
+#include "view/map_toolbar.h"
 #include "view/raster_layer.h"
 
 namespace velmora {
@@ -163,9 +164,10 @@ void AddShape(Session& s, const std::string& pathIn, bool readOnly) {
     s.host->LayerListChanged();
     if (n == 1) {
       CheckFirstLyrUnits(s, n);
-      s.MapView.MapTool = 2; // "ZoomIn"; the view zooms to the full extent on redraw
+      FirstLyrView(s); // the zoom-in tool and the full extent
+    } else {
+      s.host->MapRedraw();
     }
-    s.host->MapRedraw();
     LogMsg(s, "Add Layer " + path);
     if (readOnly) s.Lyr[n].EEditable = 0;
     s.ProjChanged = -1;

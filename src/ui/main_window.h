@@ -1,25 +1,38 @@
 #pragma once
 #include <QMainWindow>
+#include <QPointer>
 
 #include "platform/qt/qt_host.h"
 #include "session/session.h"
 
+class QAction;
+class QActionGroup;
 class QLabel;
+class QMenu;
 class QPlainTextEdit;
 class QProgressBar;
 class QTimer;
+class QToolBar;
 
 namespace velmora {
 
-// The main window: for now the command bar (the session's log), the progress bar and the
-// running function's caption in the status bar, opening files by menu and by drop, and
-// the stop sequence on close.
+class LayerListWidget;
+class MapWidget;
+
+// The main window: the layer list on the left, the map surface (EditPic) in the centre,
+// the command bar below, the status text, progress bar and txtFunc in the status bar, and
+// the menus and toolbar. Each handler gathers the selection and calls one core operation.
 class MainWindow : public QMainWindow {
   Q_OBJECT
 public:
   MainWindow(Session& s, QtHost& host, QWidget* parent = nullptr);
   // Shows s.CommandBar with the caret at its end.
   void ShowLog();
+  // Toolbar, menus, caption and status text from the session.
+  void SyncUi();
+
+  MapWidget* Map() const { return map_; }
+  LayerListWidget* LayerList() const { return list_; }
 
 protected:
   void closeEvent(QCloseEvent* e) override;
@@ -27,15 +40,42 @@ protected:
   void dropEvent(QDropEvent* e) override;
 
 private:
+  void BuildMenus();
+  void BuildToolbar();
+  QAction* ToolAction(const QString& text, const QString& name, int tool);
+  void FillLayerMenu(QMenu* m);
   void OpenFiles();
+  void OpenPaths(const QStringList& paths);
+  void AddLayers();
+  void MakeNewLayer(const std::string& kind);
+  void SaveLayers();
+  void SaveLayerAs();
+  void SetDataSource();
+  void ShowProps();
+  void MoveUp();
+  void MoveDown();
+  void CustomScale();
   void ShowProgress(qint64 value, qint64 max);
+  std::vector<int> Selected() const;
 
   Session& s_;
   QtHost& host_;
+  MapWidget* map_;
+  LayerListWidget* list_;
   QPlainTextEdit* commandBar_;
+  QLabel* statusText_;
   QProgressBar* progBar_;
   QLabel* txtFunc_;
   QTimer* unloadTimer_;
+  QActionGroup* tools_ = nullptr;
+  QAction* actFull_ = nullptr;
+  QAction* actPrev_ = nullptr;
+  QAction* actNext_ = nullptr;
+  QAction* actRectify_ = nullptr;
+  QAction* actUnRectify_ = nullptr;
+  QMenu* scaleMenu_ = nullptr;
+  QList<QAction*> lyrActions_; // need a layer
+  QPointer<QWidget> props_, coords_, convert_;
 };
 
 } // namespace velmora

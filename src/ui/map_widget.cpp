@@ -28,7 +28,7 @@ Canvas* MapWidget::MapBuf() {
     buf_ = QImage(w, h, QImage::Format_RGB32);
     buf_.fill(Qt::white);
   }
-  if (!canvas_) canvas_ = std::make_unique<QtCanvas>(buf_);
+  if (!canvas_) canvas_ = std::make_unique<QtCanvas>(buf_, images_);
   return canvas_.get();
 }
 

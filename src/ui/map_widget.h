@@ -22,6 +22,10 @@ public:
   // EditPic takes the image of MapBuf.
   void MapShow();
   const QImage& Image() const { return buf_; }
+  // The picture store that image layers are drawn from.
+  void SetImages(const QtImageIO* images) { images_ = images; }
+  // The cursor of the present tool.
+  void UpdateCursor();
 
 signals:
   void StatusTextChanged(const QString& text);
@@ -42,7 +46,7 @@ private:
   enum class Drag { None, Box, Pan, MiddlePan } drag_ = Drag::None;
   QPoint from_, to_;
   int panReturnTool_ = 0;
-  void UpdateCursor();
+  const QtImageIO* images_ = nullptr;
 };
 
 } // namespace velmora

@@ -80,7 +80,12 @@ void QtHost::WaitCursor(bool on) {
 bool QtHost::IsDialogOpen(const std::string& caption) {
   const QString title = ToQ(caption);
   for (QWidget* w : QApplication::topLevelWidgets())
-    if (w->isVisible() && w != window_ && w->windowTitle() == title) return true;
+    if (w->isVisible() && w != window_ && (w->windowTitle() == title || w->objectName() == title))
+      return true;
+  // Dialogs of the main window are its children; they carry their list name as object name.
+  if (window_)
+    for (QWidget* w : window_->findChildren<QWidget*>(title))
+      if (w->isVisible() && w->isWindow()) return true;
   return false;
 }
 
