@@ -89,9 +89,6 @@ void ClearProject(Session& s) {
   MapInit(s);
   s.ProjFile.clear();
   s.ProjChanged = 0;
-  s.View.ZoomPrevEnabled = s.View.ZoomNextEnabled = false;
-  s.View.MapToolKeep = 2;
-  s.View.MapScale = 0;
   s.host->LayerListChanged();
   s.host->MapRedraw();
 }

@@ -16,6 +16,12 @@ void MapInit(Session& s) {
   s.UndoList.assign(2, UndoEntry{});
   s.UndoPos = 1, s.UndoCount = 1;
 
+  // The window's companions go too; the screen's measures stay.
+  const ViewVars screen = s.View;
+  s.View = ViewVars{};
+  s.View.PixPerMeter = screen.PixPerMeter;
+  s.View.TwipsPerPixelX = screen.TwipsPerPixelX, s.View.TwipsPerPixelY = screen.TwipsPerPixelY;
+  s.View.MapToolKeep = 2;
   s.ViewHist.clear();
   s.ViewPos = 0, s.ViewCount = 0;
 
