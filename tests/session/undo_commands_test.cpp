@@ -140,14 +140,15 @@ TEST_F(UndoCommands, LoadRedoUndoRestoresTheSnapshotOfTheEntryAtHand) {
 }
 
 TEST_F(UndoCommands, LinesOfALayerThatIsGoneDoNothing) {
-  Edit(DeleteFeatureLines(path, 1));
+  Edit(DeleteVertexLines(path, 2, 0, 0, 50, 50));
+  ASSERT_EQ(Points(2).size(), 1u);
   // Save As renames the layer's file: the entry keeps the old path and names no layer.
   std::string renamed = dir + "renamed.shp";
   Exec("SAVE LAYER " + QuotedPath(path) + " AS " + QuotedPath(renamed));
   ASSERT_EQ(s.Lyr[lyr].Fsource, renamed);
   ASSERT_EQ(s.UndoCount, 2);
   UndoRun(s);
-  EXPECT_TRUE(IsDeleted(s, lyr, 1));
+  EXPECT_EQ(Points(2), (std::vector<std::pair<double, double>>{{60, 60}}));
   EXPECT_EQ(s.UndoPos, 0);
 
   // Removing a layer takes its entries along: nothing is left to undo.
