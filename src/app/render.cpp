@@ -47,10 +47,8 @@ int RunRender(int argc, char** argv, const CmdLineOpts& o) {
     s.MapView.ViewH = o.RenderH;
     DrawArgs a;
     if (project) {
-      // The project's window as opening it drew it.
-      a.Left = s.MapView.MapLeft, a.Top = s.MapView.MapTop;
-      a.Right = s.MapView.MapRight, a.Bottom = s.MapView.MapBottom;
-      MapDraw(s, kToolFit, 2, &canvas, a);
+      // Opening the project fitted its window to this view: draw that window as it is.
+      MapDraw(s, kToolRepaint, 2, &canvas, a);
     } else {
       MapDraw(s, kToolFull, 2, &canvas, a);
     }

@@ -9,6 +9,7 @@
 #include "session/file_util.h"
 #include "session/log.h"
 #include "session/lyr_slots.h"
+#include "session/project.h"
 #include "session/undo.h"
 #include "store/dbf_store.h"
 #include "store/shp_store.h"
@@ -349,7 +350,7 @@ bool ConfirmCloseProject(Session& s, const std::function<bool(Session&)>& savePr
                      " Close Project Message Box ", MsgButtons::YesNoCancel, MsgAnswer::Cancel);
   if (a == MsgAnswer::Cancel) return false;
   if (a == MsgAnswer::No) return true;
-  return saveProject && saveProject(s);
+  return saveProject ? saveProject(s) : SaveProjectMenu(s);
 }
 
 void ReloadLyr(Session& s, int index) {

@@ -21,8 +21,8 @@ void SaveLyrAll(Session& s, int index);
 void SaveLyrAs(Session& s, int index, const std::string& path);
 bool ConfirmRemoveLyr(Session& s, int index);
 bool ConfirmReloadLyr(Session& s, int index);
-// `saveProject` saves the project (falling to the Save Project dialog when ProjFile is "")
-// and tells whether it succeeded; without one a Yes can't save and stops.
+// `saveProject` saves the project and tells whether it succeeded; by default Save Project
+// does (falling to its dialog when ProjFile is ""). Yes goes on only after a good save.
 bool ConfirmCloseProject(Session& s, const std::function<bool(Session&)>& saveProject = nullptr);
 void CheckFirstLyrUnits(Session& s, int index);
 // Makes the empty layer file of the kind (in a work slot) and adds it: the make-new menu.

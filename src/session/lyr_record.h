@@ -79,6 +79,7 @@ struct LyrRec {
   int16_t LyrTerminate = 0;
   int16_t TblOpen = 0;
   int16_t ProOpen = 0;
+  uint8_t LoadSkipped = 0; // a project read for a layout left the layer closed
 
   ShpBlock Shp; // geometry (.shp, .shx)
   DbfBlock Dbf; // attributes (.dbf, swap file)

@@ -1,5 +1,7 @@
 #include "session/map_init.h"
 
+#include "session/undo.h"
+
 namespace velmora {
 
 void MapInit(Session& s) {
@@ -13,8 +15,7 @@ void MapInit(Session& s) {
   s.MeasUnit = 1, s.MeasCoordsIdx = 23, s.MeasZone = 1, s.MeasSouth = 0;
 
   // The journal: element 0 is never used, the first entry will be 1.
-  s.UndoList.assign(2, UndoEntry{});
-  s.UndoPos = 1, s.UndoCount = 1;
+  UndoClear(s);
 
   // The window's companions go too; the screen's measures stay.
   const ViewVars screen = s.View;

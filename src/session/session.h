@@ -1,4 +1,5 @@
 #pragma once
+#include <array>
 #include <cstdint>
 #include <memory>
 #include <random>
@@ -33,6 +34,7 @@ struct Session {
   std::string LastDir;
   std::string ProgramDir;
   double ProjVersion = 0;
+  std::array<uint8_t, 8> ProjReserved{}; // carried from the project file unchanged
 
   MapViewRec MapView;
   ViewVars View;
@@ -43,6 +45,7 @@ struct Session {
 
   std::vector<UndoEntry> UndoList;
   int32_t UndoPos = 0, UndoCount = 0;
+  bool UndoOn = false, RedoOn = false; // the undo and redo buttons and menu items
 
   std::vector<ViewHistEntry> ViewHist;
   int32_t ViewPos = 0, ViewCount = 0;

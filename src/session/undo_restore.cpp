@@ -1,8 +1,11 @@
 #include "session/undo_restore.h"
 
+#include "session/undo.h"
+
 namespace velmora {
 
-// The journal keeps no feature snapshots yet, so there is nothing to restore.
-void UndoLoadRec(Session& /*s*/, int /*lyr*/, int /*rec*/) {}
+void UndoLoadRec(Session& s, int lyr, int rec) {
+  UndoGetRec(s, lyr, rec);
+}
 
 } // namespace velmora

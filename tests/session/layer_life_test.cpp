@@ -216,7 +216,8 @@ TEST(LayerLife, ConfirmationsAskWithTheirTextsAndAct) {
   EXPECT_EQ(f.host.boxes.back(), " Reload layer Message Box |" + save);
   EXPECT_EQ(f.s.Lyr[1].Shp.ShpChanged, -1);
 
-  // Close project: No goes on; Yes without a way to save stops; with one it saves.
+  // Close project: No goes on; Yes stops when the project can't be saved; a saver that succeeds
+  // goes on.
   f.s.ProjFile = "/p/x.qmt";
   f.host.answers = {MsgAnswer::No};
   EXPECT_TRUE(ConfirmCloseProject(f.s));

@@ -1,8 +1,0 @@
-#include "session/project.h"
-
-namespace velmora {
-
-// The project reader is not written yet.
-void LoadProject(Session& /*s*/, const std::string& /*path*/) {}
-
-} // namespace velmora
