@@ -84,29 +84,4 @@ bool NewProject(Session& s) {
   return s.host->StartSecondProcess();
 }
 
-void ClearProject(Session& s) {
-  CloseAllLyrs(s);
-  MapInit(s);
-  s.ProjFile.clear();
-  s.ProjChanged = 0;
-  s.host->LayerListChanged();
-  s.host->MapRedraw();
-}
-
-bool CloseProject(Session& s) {
-  if (AnyLyrBusy(s)) {
-    LogMsg(s, " *** Close Project has been canceled *** ");
-    return false;
-  }
-  if (!ConfirmCloseProject(s)) return false;
-  LogMsg(s, "Close Project " + s.ProjFile);
-  ClearProject(s);
-  return true;
-}
-
-std::string WindowCaption(const Session& s) {
-  if (s.ProjFile.empty()) return "Velmora GIS";
-  return FileNameOf(s.ProjFile) + " : Velmora GIS";
-}
-
 } // namespace velmora

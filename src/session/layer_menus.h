@@ -37,13 +37,6 @@ LyrMenus ApplyLyrMenus(const Session& s, int n);
 
 // New Project: a second copy of the program, only when this one holds layers.
 bool NewProject(Session& s);
-// Unloads everything: the session is as after start, with the view size kept.
-void ClearProject(Session& s);
-// Close Project: refused while a layer is busy; asks, logs and clears. False when refused
-// or cancelled.
-bool CloseProject(Session& s);
-
-// "Velmora GIS", or with a project its file name, " : " and "Velmora GIS".
-std::string WindowCaption(const Session& s);
+// Close Project, ClearProject and the window caption are the project's (project.h).
 
 } // namespace velmora

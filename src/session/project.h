@@ -56,8 +56,9 @@ void OpenProjectMenu(Session& s, const std::string& path);
 bool SaveProjectMenu(Session& s);
 // Save Project As: always the dialog, starting at the present project.
 bool SaveProjectAsMenu(Session& s);
-// Close Project: ConfirmCloseProject, then ClearProject.
-void CloseProjectMenu(Session& s);
+// Close Project: refused while a layer is busy, then ConfirmCloseProject, the log line
+// and ClearProject. False when refused or cancelled.
+bool CloseProjectMenu(Session& s);
 // The main window's caption: "<project file name> : Velmora GIS", or the product alone.
 std::string WindowCaption(const Session& s);
 

@@ -73,12 +73,13 @@ bool SaveProjectAsMenu(Session& s) {
   return SaveTo(s, path, "Save Project As ");
 }
 
-void CloseProjectMenu(Session& s) {
-  if (s.LyrCount == 0 && s.ProjFile.empty()) return;
-  if (BusyRefusal(s, "Close Project")) return;
-  if (!ConfirmCloseProject(s)) return;
+bool CloseProjectMenu(Session& s) {
+  if (s.LyrCount == 0 && s.ProjFile.empty()) return false;
+  if (BusyRefusal(s, "Close Project")) return false;
+  if (!ConfirmCloseProject(s)) return false;
   LogMsg(s, "Close Project " + s.ProjFile);
   ClearProject(s);
+  return true;
 }
 
 std::string WindowCaption(const Session& s) {

@@ -26,6 +26,7 @@
 #include "session/layer_life.h"
 #include "session/layer_list_ops.h"
 #include "session/layer_menus.h"
+#include "session/project.h"
 #include "store/shp_store.h"
 #include "ui/coords_convert_dialog.h"
 #include "ui/coords_dialog.h"
@@ -201,7 +202,7 @@ void MainWindow::BuildMenus() {
   QAction* open = file->addAction("&Open...", this, &MainWindow::OpenFiles);
   open->setShortcut(QKeySequence::Open);
   QAction* closeProj = file->addAction("&Close Project", this, [this] {
-    if (!CloseProject(s_)) return;
+    if (!CloseProjectMenu(s_)) return;
     for (QWidget* w : {props_.data(), coords_.data(), convert_.data()})
       if (w) w->close();
   });

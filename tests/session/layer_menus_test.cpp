@@ -8,6 +8,7 @@
 #include "session/file_util.h"
 #include "session/layer_life.h"
 #include "session/layer_menus.h"
+#include "session/project.h"
 #include "session/log.h"
 #include "test_support.h"
 #include "view/map_toolbar.h"
@@ -168,13 +169,13 @@ TEST_F(MenusTest, CloseProjectRefusesWhileBusyThenAsksAndClears) {
   EXPECT_EQ(WindowCaption(s), "world.qmt : Velmora GIS");
 
   LyrLock(s, 1, true, "Save Layer");
-  EXPECT_FALSE(CloseProject(s));
+  EXPECT_FALSE(CloseProjectMenu(s));
   EXPECT_EQ(host.logged.back(), " *** Close Project has been canceled *** ");
   LyrLock(s, 1, false, "");
 
   host.boxes.clear();
   host.answers = {MsgAnswer::Cancel};
-  EXPECT_FALSE(CloseProject(s)); // the add changed the project: it asks
+  EXPECT_FALSE(CloseProjectMenu(s)); // the add changed the project: it asks
   ASSERT_EQ(host.boxes.size(), 1u);
   EXPECT_EQ(host.boxes[0], " Close Project Message Box |  Would you like to save the changes to " +
                                dir + "world.qmt ?   ");
@@ -182,7 +183,7 @@ TEST_F(MenusTest, CloseProjectRefusesWhileBusyThenAsksAndClears) {
 
   host.answers = {MsgAnswer::No};
   host.lists = 0;
-  EXPECT_TRUE(CloseProject(s));
+  EXPECT_TRUE(CloseProjectMenu(s));
   EXPECT_EQ(host.logged.back(), "Close Project " + dir + "world.qmt");
   EXPECT_EQ(s.LyrCount, 0);
   EXPECT_EQ(s.ActiveLyr, 0);
