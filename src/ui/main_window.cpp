@@ -16,6 +16,7 @@
 #include <QProgressBar>
 #include <QScreen>
 #include <QStatusBar>
+#include <QStyle>
 #include <QTimer>
 #include <QToolBar>
 #include <algorithm>
@@ -27,6 +28,7 @@
 #include "session/layer_list_ops.h"
 #include "session/layer_menus.h"
 #include "session/project.h"
+#include "session/undo.h"
 #include "store/shp_store.h"
 #include "ui/coords_convert_dialog.h"
 #include "ui/coords_dialog.h"
@@ -173,6 +175,22 @@ void MainWindow::BuildToolbar() {
     map_->UpdateCursor();
     SyncUi();
   });
+  actUndo_ = new QAction("Undo", this);
+  actUndo_->setObjectName("mnuUndo");
+  actUndo_->setShortcut(QKeySequence::Undo);
+  actUndo_->setIcon(style()->standardIcon(QStyle::SP_ArrowBack));
+  connect(actUndo_, &QAction::triggered, this, [this] {
+    UndoRun(s_);
+    SyncUi();
+  });
+  actRedo_ = new QAction("Redo", this);
+  actRedo_->setObjectName("mnuRedo");
+  actRedo_->setShortcut(QKeySequence::Redo);
+  actRedo_->setIcon(style()->standardIcon(QStyle::SP_ArrowForward));
+  connect(actRedo_, &QAction::triggered, this, [this] {
+    RedoRun(s_);
+    SyncUi();
+  });
   QAction* terminate = new QAction("Terminate All Running Functions", this);
   terminate->setObjectName("mnuTerminateAll");
   terminate->setIcon(MakeToolIcon(ToolIcon::Terminate));
@@ -192,6 +210,9 @@ void MainWindow::BuildToolbar() {
   tb->addAction(actPrev_);
   tb->addAction(actNext_);
   tb->addSeparator();
+  tb->addAction(actUndo_);
+  tb->addAction(actRedo_);
+  tb->addSeparator();
   tb->addAction(terminate);
 }
 
@@ -201,6 +222,26 @@ void MainWindow::BuildMenus() {
   newProj->setObjectName("mnuNewProject");
   QAction* open = file->addAction("&Open...", this, &MainWindow::OpenFiles);
   open->setShortcut(QKeySequence::Open);
+  QAction* openProj = file->addAction("Open &Project...", this, [this] {
+    OpenProjectMenu(s_, [this] {
+      QString path = QFileDialog::getOpenFileName(this, kOpenProjectTitle, ToQ(s_.LastDir),
+                                                  QtFilter(kProjectFilter));
+      return FromQ(path);
+    });
+    SyncUi();
+  });
+  openProj->setObjectName("mnuOpenProject");
+  QAction* saveProj = file->addAction("&Save Project", this, [this] {
+    SaveProjectMenu(s_);
+    SyncUi();
+  });
+  saveProj->setObjectName("mnuSaveProject");
+  saveProj->setShortcut(QKeySequence::Save);
+  QAction* saveProjAs = file->addAction("Save Project &As...", this, [this] {
+    SaveProjectAsMenu(s_);
+    SyncUi();
+  });
+  saveProjAs->setObjectName("mnuSaveProjectAs");
   QAction* closeProj = file->addAction("&Close Project", this, [this] {
     if (!CloseProjectMenu(s_)) return;
     for (QWidget* w : {props_.data(), coords_.data(), convert_.data()})
@@ -210,6 +251,10 @@ void MainWindow::BuildMenus() {
   file->addSeparator();
   QAction* exit = file->addAction("E&xit", this, &QWidget::close);
   exit->setShortcut(QKeySequence::Quit);
+
+  QMenu* edit = menuBar()->addMenu("&Edit");
+  edit->addAction(actUndo_);
+  edit->addAction(actRedo_);
 
   FillLayerMenu(menuBar()->addMenu("&Layer"));
 
@@ -322,6 +367,8 @@ void MainWindow::SyncUi() {
   actFull_->setEnabled(t.HasLayers);
   actPrev_->setEnabled(t.ZoomPrev);
   actNext_->setEnabled(t.ZoomNext);
+  actUndo_->setEnabled(UndoEnabled(s_));
+  actRedo_->setEnabled(RedoEnabled(s_));
   scaleMenu_->setEnabled(t.HasLayers);
   for (QAction* a : lyrActions_) a->setEnabled(t.HasLayers);
   LyrMenus lm = ApplyLyrMenus(s_, s_.ActiveLyr);

@@ -71,6 +71,8 @@ private:
   QAction* actFull_ = nullptr;
   QAction* actPrev_ = nullptr;
   QAction* actNext_ = nullptr;
+  QAction* actUndo_ = nullptr;
+  QAction* actRedo_ = nullptr;
   QAction* actRectify_ = nullptr;
   QAction* actUnRectify_ = nullptr;
   QMenu* scaleMenu_ = nullptr;

@@ -90,3 +90,12 @@ TEST(QtHostFilter, DialogFilterInQtForm) {
             "Layer files (*.shp);;All files (*)");
   EXPECT_EQ(QtFilter("Maps files (*.qmt)|*.qmt").toStdString(), "Maps files (*.qmt)");
 }
+
+TEST_F(WindowTest, ProjectMenusAndTheJournalButtons) {
+  for (const char* name : {"mnuOpenProject", "mnuSaveProject", "mnuSaveProjectAs",
+                           "mnuCloseProject", "mnuUndo", "mnuRedo"})
+    EXPECT_NE(w.findChild<QAction*>(name), nullptr) << name;
+  // An empty journal: nothing to undo or redo.
+  EXPECT_FALSE(w.findChild<QAction*>("mnuUndo")->isEnabled());
+  EXPECT_FALSE(w.findChild<QAction*>("mnuRedo")->isEnabled());
+}
