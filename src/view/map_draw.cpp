@@ -5,6 +5,7 @@
 
 #include "session/file_util.h"
 #include "store/dbf_store.h"
+#include "store/shp_store.h"
 #include "view/map_tools.h"
 
 namespace velmora {
@@ -184,6 +185,8 @@ void DrawLabel(DrawCtx& d, int n, int f) {
   if (!l.LVisible || l.LFName <= 0) return;
   if (l.LScale && (d.s.View.MapScale < l.LScaleLMT[0] || d.s.View.MapScale > l.LScaleLMT[1]))
     return;
+  // The anchor is cached on the record; an edit that did not place it leaves it to now.
+  if (!l.Shp.ShpRecs[size_t(f)].LabelReady) RecLabelPoint(d.s, n, f);
   const ShpRecord& r = l.Shp.ShpRecs[size_t(f)];
   if (!r.LabelReady) return;
   XY at{r.LabelX, r.LabelY};

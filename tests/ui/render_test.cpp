@@ -328,3 +328,27 @@ TEST_F(Render, AnImageLayerMovesToAGridWithOnlyItsOwnColoursOrWhite) {
     }
   EXPECT_GT(coloured, 40 * 20 / 2);
 }
+
+TEST_F(Render, LabelsAreWrittenAtTheAnchorWithinTheirScales) {
+  int n = Layer("named", "POINT");
+  Run("ADD FIELD " + Path(n) + " NAME C 20 0");
+  Run("ADD FEATURE " + Path(n) + " 0 100 100 NAME=WWWWWW");
+  Plain(n, RGB3{255, 255, 255}, RGB3{255, 255, 255}); // the point itself white on white
+  LyrRec& l = s.Lyr[n];
+  l.LVisible = 1;
+  l.LFName = 2;
+  l.LFontSize = 14;
+  l.LfontName = "DejaVu Sans";
+  SetLColor(l, 0, 0, 255);
+  auto blueAround = [&] {
+    int blue = 0;
+    for (int y = 80; y < 120; ++y)
+      for (int x = 50; x < 150; ++x) blue += At(x, y) == QColor(0, 0, 255);
+    return blue;
+  };
+  Draw();
+  EXPECT_GT(blueAround(), 20);
+  l.LScale = 1; // limits (0, 0): no label at this scale
+  Draw();
+  EXPECT_EQ(blueAround(), 0);
+}
