@@ -251,6 +251,11 @@ void DrawFeature(Session& s, Canvas& c, int n, int f) {
 void DrawLyr(Session& s, Canvas& c, int n) {
   if (!LyrVisibleAtScale(s, n)) return;
   DrawCtx d{s, c, {}, {}, {}};
+  // An image layer's outline is its frame record, slot 0, in the pen of class 0.
+  const ShpBlock& b = s.Lyr[n].Shp;
+  if (s.Lyr[n].LyrKind == 2 && !b.ShpRecs.empty() && b.ShpRecs[0].ShapeType == 99 &&
+      BoxMeetsClip(s, b.ShpRecs[0]))
+    DrawGeometry(d, n, b.ShpRecs[0], kPenClass, 0, false);
   int count = s.Lyr[n].Shp.RecCount;
   for (int f = 1; f <= count; ++f) DrawFeatureCtx(d, n, f);
 }

@@ -352,3 +352,77 @@ TEST_F(Render, LabelsAreWrittenAtTheAnchorWithinTheirScales) {
   Draw();
   EXPECT_EQ(blueAround(), 0);
 }
+
+TEST_F(Render, MultipointsAndZAndMTypesDrawLikeTheirPlainKinds) {
+  int mp = Layer("mpts", "MULTIPOINTSMZ");
+  Run("ADD FEATURE " + Path(mp) + " 0 30 170");
+  Run("ADD VERTEX " + Path(mp) + " 1 0 60 170");
+  Plain(mp, kRed, kRed);
+  int ln = Layer("linem", "POLYLINEM");
+  Line(ln, 1, 10, 100, 190, 100);
+  Plain(ln, kBlue, kBlue);
+  int gz = Layer("gonz", "POLYGONMZ");
+  Run("ADD FEATURE " + Path(gz) + " 0 20 20");
+  for (auto [x, y] : {std::pair{20, 60}, {60, 60}, {60, 20}, {20, 20}})
+    Run("ADD VERTEX " + Path(gz) + " 1 0 " + std::to_string(x) + " " + std::to_string(y));
+  Plain(gz, kBlack, kGreen);
+  Draw();
+  EXPECT_EQ(At(30, 30), QColor(255, 0, 0)); // each point of the multipoint a square
+  EXPECT_EQ(At(60, 30), QColor(255, 0, 0));
+  EXPECT_EQ(At(45, 30), QColor(255, 255, 255));
+  EXPECT_EQ(At(100, 100), QColor(0, 0, 255));
+  EXPECT_EQ(At(40, 160), QColor(0, 160, 0));
+}
+
+TEST_F(Render, AnImageShowsItsFrameOutlineOverThePicture) {
+  s.GdipReady = true;
+  std::string png = GdalPicture(dir, "f.png", "-of PNG");
+  ASSERT_TRUE(WriteWorldFile(png, 20, 180, 180, 20, 40, 20));
+  AddShape(s, png, false);
+  ASSERT_EQ(s.LyrCount, 1);
+  s.Lyr[1].CDrawStyle[0] = 0; // an image layer's outline is off by default: on here
+  SetCForeColor(s.Lyr[1], 0, 0, 0, 0);
+  Draw();
+  EXPECT_EQ(At(20, 100), QColor(0, 0, 0)); // the frame's left edge
+  EXPECT_EQ(At(50, 100), QColor(255, 0, 0));
+  EXPECT_EQ(At(10, 100), QColor(255, 255, 255));
+}
+
+TEST_F(Render, ImageSavedUnderAnotherNameTakesItsWorldFileAlong) {
+  s.GdipReady = true;
+  std::string png = GdalPicture(dir, "a.png", "-of PNG");
+  ASSERT_TRUE(WriteWorldFile(png, 100, 500, 500, 300, 40, 20));
+  AddShape(s, png, false);
+  ASSERT_EQ(s.LyrCount, 1);
+  SaveLyrAs(s, 1, dir + "b.jpg");
+  EXPECT_TRUE(FileExists(dir + "b.jpg"));
+  EXPECT_TRUE(FileExists(dir + "b.jgw"));
+  EXPECT_EQ(s.Lyr[1].Fsource, dir + "b.jpg");
+  EXPECT_EQ(s.Lyr[1].LyrKind, 2);
+  EXPECT_DOUBLE_EQ(LeftExtend(s.Lyr[1]), 100);
+  EXPECT_DOUBLE_EQ(BottomExtend(s.Lyr[1]), 300);
+  EXPECT_EQ(host.images.Width(s.Lyr[1].Img.ImgPic), 40);
+}
+
+TEST_F(Render, EditingAControlPointRowMovesItsRecord) {
+  s.GdipReady = true;
+  std::string png = GdalPicture(dir, "cp.png", "-of PNG");
+  AddShape(s, png, false);
+  ASSERT_EQ(s.LyrCount, 1);
+  AddRec(s, 1);
+  AddDbfRec(s, 1, 0);
+  AddVertex(s, 1, 1, 0, 1, 1, 0, 0);
+  AddVertex(s, 1, 1, 0, 2, 2, 0, 0);
+  ReadDbfRec(s, 1, 0);
+  SetFieldValue(s, 1, 2, "5");
+  SetFieldValue(s, 1, 3, "-6");
+  SetFieldValue(s, 1, 4, "700");
+  SetFieldValue(s, 1, 5, "800");
+  WriteDbfRecSwap(s, 1, 0);
+  auto pts = s.Lyr[1].Shp.ShpRecs[1].Part(0).PartPoints();
+  EXPECT_DOUBLE_EQ(pts[0].X, 5);
+  EXPECT_DOUBLE_EQ(pts[0].Y, -6);
+  EXPECT_DOUBLE_EQ(pts[1].X, 700);
+  EXPECT_DOUBLE_EQ(pts[1].Y, 800);
+  EXPECT_DOUBLE_EQ(s.Lyr[1].Shp.ShpRecs[1].Xmax, 700);
+}
