@@ -10,6 +10,7 @@
 #include "session/map_init.h"
 #include "session/project.h"
 #include "session/project_layout.h"
+#include "view/map_tools.h"
 #include "view/navigation.h"
 
 namespace velmora {
@@ -55,15 +56,6 @@ void RebuildColours(LyrRec& l) {
   SetNFillColor(l, l.NFillRGB.R, l.NFillRGB.G, l.NFillRGB.B);
 }
 
-// The scale number of a window of w by h pixels, as the map would show it.
-double WindowScale(const Session& s, int w, int h, double l, double t, double r, double b) {
-  if (w <= 0 || h <= 0) return 0;
-  double dx = std::fabs(r - l), dy = std::fabs(t - b);
-  if (s.MapUnit != s.MeasUnit) dx *= 111000.0, dy *= 111000.0;
-  return std::round(dx >= dy ? dy / (s.View.TwipsPerPixelY * h / 56700.0)
-                             : dx / (s.View.TwipsPerPixelX * w / 56700.0));
-}
-
 // The user coordinate records of the file take the places from 24 up.
 void PutDatums(Session& s, const ProjectFileData& d) {
   if (!d.HasDatums) return;
@@ -96,7 +88,7 @@ void OpenDeferred(Session& s, int n, int w, int h, double left, double top, doub
     const auto& e = l.SavedExtent; // left, bottom, right, top
     bool worth = l.DVisable == 1 && right >= e[0] && left <= e[2] && bottom <= e[3] && top >= e[1];
     if (worth && l.DScale) {
-      double scale = WindowScale(s, w, h, left, top, right, bottom);
+      double scale = ScaleOfWindow(s, w, h, left, top, right, bottom);
       worth = scale >= l.DScaleLMT[0] && scale <= l.DScaleLMT[1];
     }
     if (!worth) {

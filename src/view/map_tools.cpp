@@ -144,17 +144,22 @@ void SetPickAt(Session& s, double x, double y) {
   s.View.PickY = (s.View.PickTop + s.View.PickBottom) / 2;
 }
 
+double ScaleOfWindow(const Session& s, int w, int h, double left, double top, double right,
+                     double bottom) {
+  if (w <= 0 || h <= 0) return 0;
+  double dx = std::fabs(right - left), dy = std::fabs(top - bottom);
+  if (s.MapUnit != s.MeasUnit) dx *= kMetresPerDegree, dy *= kMetresPerDegree;
+  // The side that is shorter in world terms sets the scale.
+  double scale = dx >= dy ? dy / (s.View.TwipsPerPixelY * h / kTwipsPerMetre)
+                          : dx / (s.View.TwipsPerPixelX * w / kTwipsPerMetre);
+  return std::round(scale);
+}
+
 void CalcMapScale(Session& s) {
   const MapViewRec& v = s.MapView;
-  if (s.LyrCount == 0 || v.ViewW <= 0 || v.ViewH <= 0) {
-    s.View.MapScale = 0;
-    return;
-  }
-  double dx = std::fabs(v.MapRight - v.MapLeft), dy = std::fabs(v.MapTop - v.MapBottom);
-  if (s.MapUnit != s.MeasUnit) dx *= kMetresPerDegree, dy *= kMetresPerDegree;
-  double scale = dx >= dy ? dy / (s.View.TwipsPerPixelY * v.ViewH / kTwipsPerMetre)
-                          : dx / (s.View.TwipsPerPixelX * v.ViewW / kTwipsPerMetre);
-  s.View.MapScale = std::round(scale);
+  s.View.MapScale = s.LyrCount == 0 ? 0
+                                    : ScaleOfWindow(s, v.ViewW, v.ViewH, v.MapLeft, v.MapTop,
+                                                    v.MapRight, v.MapBottom);
 }
 
 namespace {

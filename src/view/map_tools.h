@@ -30,6 +30,9 @@ void MapTools(Session& s, int tool, double factor, int w, int h, double left, do
 // The window from the data box of the visible layers, or false when no layer counts.
 bool DataExtent(const Session& s, double& l, double& t, double& r, double& b);
 void CalcMapScale(Session& s);
+// The scale number of a window of w by h pixels over the given world sides.
+double ScaleOfWindow(const Session& s, int w, int h, double left, double top, double right,
+                     double bottom);
 // The texts of the "Map Scale" menu, in order, and their numbers.
 const char* const* MapScaleTexts(int& count);
 double MapScaleValue(int index);
