@@ -18,14 +18,7 @@ namespace {
 // A shapefile made by GDAL from WKT rows.
 std::string Ogr(const std::string& dir, const std::string& name, const std::string& shpt,
                 const std::vector<std::string>& wkts) {
-  {
-    std::ofstream f(dir + name + ".csv");
-    f << "id,WKT\n";
-    for (size_t i = 0; i < wkts.size(); ++i) f << i + 1 << ",\"" << wkts[i] << "\"\n";
-  }
-  RunCmd("ogr2ogr -q -f 'ESRI Shapefile' -lco SHPT=" + shpt + " '" + dir + name + ".shp' '" + dir +
-         name + ".csv'");
-  return dir + name + ".shp";
+  return GdalLayer(dir, name, wkts, "-lco SHPT=" + shpt);
 }
 
 std::string Dump(const std::string& shp) {

@@ -31,12 +31,7 @@ struct CountingHost : RecordingHost {
 
 // Point layers made by GDAL, one feature each.
 std::string Ogr(const std::string& dir, const std::string& name, const std::string& wkt) {
-  {
-    std::ofstream f(dir + name + ".csv");
-    f << "id,WKT\n1,\"" << wkt << "\"\n";
-  }
-  RunCmd("ogr2ogr -q -f 'ESRI Shapefile' '" + dir + name + ".shp' '" + dir + name + ".csv'");
-  return dir + name + ".shp";
+  return GdalLayer(dir, name, {wkt});
 }
 
 struct MenusTest : ::testing::Test {

@@ -17,12 +17,7 @@ namespace {
 
 // A point layer by GDAL: two points far outside degrees, so the extent says metres.
 std::string PointLayer(const std::string& dir, const std::string& name) {
-  {
-    std::ofstream f(dir + name + ".csv");
-    f << "id,WKT\n1,\"POINT (500000 4000000)\"\n2,\"POINT (500100 4000100)\"\n";
-  }
-  RunCmd("ogr2ogr -q -f 'ESRI Shapefile' '" + dir + name + ".shp' '" + dir + name + ".csv'");
-  return dir + name + ".shp";
+  return GdalLayer(dir, name, {"POINT (500000 4000000)", "POINT (500100 4000100)"});
 }
 
 struct ProjectRead : ::testing::Test {

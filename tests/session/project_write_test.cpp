@@ -18,12 +18,7 @@ using namespace velmora::test;
 namespace {
 
 std::string Lines(const std::string& dir, const std::string& name) {
-  {
-    std::ofstream f(dir + name + ".csv");
-    f << "id,WKT\n1,\"LINESTRING (0 0,10 10)\"\n2,\"LINESTRING (20 0,30 40)\"\n";
-  }
-  RunCmd("ogr2ogr -q -f 'ESRI Shapefile' '" + dir + name + ".shp' '" + dir + name + ".csv'");
-  return dir + name + ".shp";
+  return GdalLayer(dir, name, {"LINESTRING (0 0,10 10)", "LINESTRING (20 0,30 40)"});
 }
 
 struct DialogHost : RecordingHost {

@@ -22,18 +22,7 @@ void PutD(std::vector<uint8_t>& v, size_t at, double x) {
 
 std::string OgrShp(const std::string& dir, const std::string& name, const std::string& shpt,
                    const std::vector<std::string>& wkts) {
-  std::string csv = dir + name + ".csv";
-  {
-    std::ofstream f(csv);
-    f << "id,WKT\n";
-    int id = 1;
-    for (const auto& w : wkts) f << id++ << ",\"" << w << "\"\n";
-  }
-  std::string shp = dir + name + ".shp";
-  int st = 0;
-  RunCmd("ogr2ogr -q -f 'ESRI Shapefile' -lco SHPT=" + shpt + " '" + shp + "' '" + csv + "' 2>&1",
-         &st);
-  return st == 0 && FileExists(shp) ? shp : "";
+  return GdalLayer(dir, name, wkts, "-lco SHPT=" + shpt);
 }
 
 std::string ShpDump(const std::string& shpPath) {

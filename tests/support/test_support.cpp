@@ -59,6 +59,19 @@ std::string RunCmd(const std::string& cmd, int* status) {
   return out;
 }
 
+std::string GdalLayer(const std::string& dir, const std::string& name,
+                      const std::vector<std::string>& wkts, const std::string& options) {
+  std::string csv = dir + name + ".csv", shp = dir + name + ".shp";
+  {
+    std::ofstream f(csv);
+    f << "id,WKT\n";
+    for (size_t i = 0; i < wkts.size(); ++i) f << i + 1 << ",\"" << wkts[i] << "\"\n";
+  }
+  int st = 0;
+  RunCmd("ogr2ogr -q -f 'ESRI Shapefile' " + options + " '" + shp + "' '" + csv + "' 2>&1", &st);
+  return st == 0 && std::filesystem::exists(shp) ? shp : "";
+}
+
 MsgAnswer RecordingHost::MsgBox(const std::string& text, const std::string& title, MsgButtons,
                                 MsgAnswer dflt) {
   boxes.push_back(title + "|" + text);

@@ -11,6 +11,10 @@ std::string TempDir(const std::string& tag);
 // Writes `bytes` to `path`.
 void WriteFile(const std::string& path, const std::string& bytes);
 std::string ReadFile(const std::string& path);
+// A shapefile made by GDAL's ogr2ogr from WKT rows (an "id" field numbering them), with
+// `options` such as "-lco SHPT=ARC"; its path, or "" when GDAL failed.
+std::string GdalLayer(const std::string& dir, const std::string& name,
+                      const std::vector<std::string>& wkts, const std::string& options = "");
 // Runs a shell command and returns its standard output; `status` gets the exit code.
 std::string RunCmd(const std::string& cmd, int* status = nullptr);
 

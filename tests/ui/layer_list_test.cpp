@@ -33,13 +33,7 @@ struct AppFirst {
 // A layer made by GDAL from WKT rows.
 std::string Ogr(const std::string& dir, const std::string& name,
                 const std::vector<std::string>& wkts) {
-  {
-    std::ofstream f(dir + name + ".csv");
-    f << "id,WKT\n";
-    for (size_t i = 0; i < wkts.size(); ++i) f << i + 1 << ",\"" << wkts[i] << "\"\n";
-  }
-  test::RunCmd("ogr2ogr -q -f 'ESRI Shapefile' '" + dir + name + ".shp' '" + dir + name + ".csv'");
-  return dir + name + ".shp";
+  return test::GdalLayer(dir, name, wkts);
 }
 
 // Message boxes answer themselves.
