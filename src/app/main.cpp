@@ -29,10 +29,7 @@ std::string ProgramDir() {
 int RunHeadless(int argc, char** argv, const std::vector<std::string>& args) {
   // No window, but the application object finds the image codecs and the program's folder.
   QCoreApplication app(argc, argv);
-  struct : HeadlessHost {
-    QtImageIO images;
-    ImageIO* Images() override { return &images; }
-  } host;
+  PictureHeadlessHost host;
   Session s(host);
   s.ProgramDir = ProgramDir();
   s.GdipReady = ImageCodecsReady();

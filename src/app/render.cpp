@@ -17,20 +17,11 @@
 
 namespace velmora {
 
-namespace {
-
-struct RenderHost : HeadlessHost {
-  QtImageIO images;
-  ImageIO* Images() override { return &images; }
-};
-
-} // namespace
-
 int RunRender(int argc, char** argv, const CmdLineOpts& o) {
   // Fonts and image codecs need the GUI application; no display is needed.
   if (!std::getenv("QT_QPA_PLATFORM")) setenv("QT_QPA_PLATFORM", "offscreen", 1);
   QGuiApplication app(argc, argv);
-  RenderHost host;
+  PictureHeadlessHost host;
   Session s(host);
   s.ProgramDir = QCoreApplication::applicationDirPath().toStdString() + "/";
   s.GdipReady = host.images.CodecsReady();
@@ -43,15 +34,8 @@ int RunRender(int argc, char** argv, const CmdLineOpts& o) {
   {
     QtCanvas canvas(img, &host.images);
     canvas.Clear(PackRGB(255, 255, 255));
-    s.MapView.ViewW = o.RenderW;
-    s.MapView.ViewH = o.RenderH;
-    DrawArgs a;
-    if (project) {
-      // Opening the project fitted its window to this view: draw that window as it is.
-      MapDraw(s, kToolRepaint, 2, &canvas, a);
-    } else {
-      MapDraw(s, kToolFull, 2, &canvas, a);
-    }
+    // Opening a project fitted its window to this view: that window is drawn as it is.
+    MapDraw(s, project ? kToolRepaint : kToolFull, 2, &canvas, DrawArgs{});
   }
   CloseAllLyrs(s);
   if (!img.save(QString::fromStdString(o.RenderPath))) {

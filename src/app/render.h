@@ -1,7 +1,15 @@
 #pragma once
+#include "platform/headless_host.h"
+#include "platform/qt/qt_image_io.h"
 #include "session/cmd_line.h"
 
 namespace velmora {
+
+// The host of a session without a window that still decodes pictures.
+struct PictureHeadlessHost : HeadlessHost {
+  QtImageIO images;
+  ImageIO* Images() override { return &images; }
+};
 
 // velmora --render OUT.png --size WxH [ARGS]: the start-up without a window, then the map
 // drawn into an image of W by H pixels on white and saved.
