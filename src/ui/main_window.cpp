@@ -21,9 +21,9 @@
 #include <QToolBar>
 #include <algorithm>
 
-#include "session/busy.h"
+#include "frame/busy.h"
+#include "model/file_util.h"
 #include "session/commands.h"
-#include "session/file_util.h"
 #include "session/layer_life.h"
 #include "session/layer_list_ops.h"
 #include "session/layer_menus.h"

@@ -3,8 +3,8 @@
 #include <QWidget>
 #include <memory>
 
+#include "model/session.h"
 #include "platform/qt/qt_canvas.h"
-#include "session/session.h"
 
 namespace velmora {
 

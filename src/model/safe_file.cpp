@@ -1,4 +1,4 @@
-#include "session/safe_file.h"
+#include "model/safe_file.h"
 
 #include <cerrno>
 #include <cstring>
@@ -6,7 +6,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "session/file_util.h"
+#include "model/file_util.h"
 
 namespace velmora {
 
