@@ -31,10 +31,12 @@ inline int InChild(const std::function<int()>& body) {
 }
 
 // No file of this process may grow past `bytes`, as on a disk that is full: the write
-// fails with EFBIG instead of raising SIGXFSZ.
+// fails with EFBIG instead of raising SIGXFSZ. RLIM_INFINITY gives the room back.
 inline void LimitFileSize(rlim_t bytes) {
   std::signal(SIGXFSZ, SIG_IGN);
-  rlimit lim{bytes, bytes};
+  rlimit lim{};
+  ::getrlimit(RLIMIT_FSIZE, &lim);
+  lim.rlim_cur = bytes;
   ::setrlimit(RLIMIT_FSIZE, &lim);
 }
 
