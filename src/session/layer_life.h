@@ -20,6 +20,10 @@ void SaveLyr(Session& s, int index);
 void SaveLyrAll(Session& s, int index);
 // A shape layer's path without an extension gets ".shp".
 void SaveLyrAs(Session& s, int index, const std::string& path);
+// The files of "Remove Deleted Features": the .shp without the deleted records and the
+// table without their rows, put in place together; the .shx goes. On failure the old files
+// stay and `why` says why. The caller opens the layer again.
+bool SaveLyrClean(Session& s, int index, std::string& why);
 // True when the layer has changes that no file holds yet.
 bool LyrChanged(const Session& s, int index);
 // True when the last save of the layer failed because its files or folder can't be

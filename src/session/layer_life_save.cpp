@@ -126,6 +126,25 @@ void SaveLyrAs(Session& s, int index, const std::string& pathIn) {
   s.host->MapRedraw();
 }
 
+bool SaveLyrClean(Session& s, int index, std::string& why) {
+  if (index < 1 || index > s.LyrCount || s.Lyr[index].LyrKind != 1) {
+    why = "the layer is not open";
+    return false;
+  }
+  SafeFileSet files;
+  ShpSaved saved;
+  std::string table;
+  const std::string path = s.Lyr[index].Fsource;
+  if (!WriteShpFiles(s, index, path, true, files, saved) ||
+      !WriteDbfClean(s, index, path, files, table) || !files.Commit()) {
+    why = files.Error();
+    return false;
+  }
+  ApplyShpSaved(s, index, saved);
+  ApplyDbfCleaned(s, index, table);
+  return true;
+}
+
 bool SaveRefusedReadOnly(const Session& s, int index) {
   return index >= 1 && index <= s.LyrCount &&
          s.Lyr[index].SaveErr.find("read-only") != std::string::npos && LyrChanged(s, index);

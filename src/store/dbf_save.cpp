@@ -105,11 +105,15 @@ void ApplyDbfSaved(Session& s, int lyr) {
   if (!ValidLyr(s, lyr)) return;
   DbfBlock& b = s.Lyr[lyr].Dbf;
   if (!b.DbfChanged) return;
-  // The file open so far is the old one: the next access opens the new one.
-  if (b.Files) b.Files->Dbf.Close();
+  // The file open so far is the old one; the new one is opened for reading, as at the open.
   b.DbfOpen = 0;
+  if (b.Files && b.Files->Dbf.Open(b.Files->DbfPath, WindowedFile::Mode::Read)) {
+    b.DbfFile = b.Files->Dbf.Fd();
+    b.DbfOpen = -1;
+  }
   b.DbfChanged = 0;
   CloseSwap(s, lyr);
+  ReleaseIfFrame(s, lyr);
   s.host->LayerItemChanged(lyr);
 }
 

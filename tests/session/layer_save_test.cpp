@@ -248,3 +248,33 @@ TEST(LayerSave, CompanionsOfAnyCaseAndTheLayerOfATable) {
   f.Exec("OPEN LAYER '" + f.dir + "up.dbf'");
   EXPECT_EQ(f.s.LyrCount, 2);
 }
+
+TEST(LayerSave, RemovingDeletedFeaturesReplacesGeometryAndTableTogether) {
+  Fixture f;
+  std::string p = GdalLayer(f.dir, "a", Squares(60), "-lco SHPT=POLYGON");
+  ASSERT_FALSE(p.empty());
+  AddShape(f.s, p, false);
+  for (int rec = 1; rec <= 60; rec += 2) DeleteRec(f.s, 1, rec, false);
+  f.SetCell(1, 1, "id", "kept");
+  Files before = Snapshot(p);
+  int code = InChild([&] {
+    LimitFileSize(3000);
+    std::string why;
+    if (SaveLyrClean(f.s, 1, why) || why.find("too large") == std::string::npos) return 1;
+    bool kept = LyrChanged(f.s, 1) && f.Cell(1, 1, "id") == "kept";
+    CloseAllLyrs(f.s);
+    return kept ? 0 : 2;
+  });
+  EXPECT_EQ(code, 0);
+  EXPECT_TRUE(Same(Snapshot(p), before));
+  std::string why;
+  ASSERT_TRUE(SaveLyrClean(f.s, 1, why)) << why;
+  EXPECT_FALSE(fs::exists(ChangeExt(p, "shx")));
+  EXPECT_EQ(DumpedRows(ChangeExt(p, "dbf")), 30u);
+  EXPECT_EQ(f.Cell(1, 0, "id"), "kept");
+  ReloadLyr(f.s, 1);
+  EXPECT_EQ(f.s.Lyr[1].Shp.RecCount, 30);
+  EXPECT_EQ(f.s.Lyr[1].Shp.ShpRecs[1].Part(0).PartPoints()[0].X, 1);
+  EXPECT_EQ(f.Cell(1, 0, "id"), "kept");
+  EXPECT_EQ(f.Cell(1, 1, "id"), "4");
+}
