@@ -30,7 +30,8 @@ struct Session {
   int32_t ActiveLyr = 0;
   std::string ProjFile;
   int16_t ProjChanged = 0;
-  int16_t LyrErr = 0; // 0 good, 1 failed, 2 the file is a frame file
+  int16_t LyrErr = 0;     // 0 good, 1 failed, 2 the file is a frame file
+  std::string LyrErrText; // why the last open failed, for the log line under its refusal
   std::string LastDir;
   std::string ProgramDir;
   double ProjVersion = 0;
@@ -61,6 +62,7 @@ struct Session {
   // Error channels of the stores, read right after a call.
   int16_t ShpErr = 0;
   int16_t DbfErr = 0;
+  std::string DbfErrText; // why the attribute store failed, when it knows
 
   bool GdipReady = false; // TIFF and PNG codecs are present
   TiffState Tiff;
