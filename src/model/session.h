@@ -30,7 +30,8 @@ struct Session {
   int32_t ActiveLyr = 0;
   std::string ProjFile;
   int16_t ProjChanged = 0;
-  int16_t LyrErr = 0; // 0 good, 1 failed, 2 the file is a frame file
+  int16_t LyrErr = 0;     // 0 good, 1 failed, 2 the file is a frame file
+  std::string LyrErrText; // why the last open failed, for the log line under its refusal
   std::string LastDir;
   std::string ProgramDir;
   double ProjVersion = 0;
@@ -65,6 +66,7 @@ struct Session {
   // must follow the stores; null until then.
   void (*ShpFileRead)(Session& s, const std::string& path) = nullptr; // a .shp was read anew
   void (*ControlRowWritten)(Session& s, int lyr, int row) = nullptr;  // a row of an image's table
+  std::string DbfErrText; // why the attribute store failed, when it knows
 
   bool GdipReady = false; // TIFF and PNG codecs are present
   TiffState Tiff;

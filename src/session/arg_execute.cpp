@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <exception>
+#include <stdexcept>
 
 #include "edit/divide_cmds.h"
 #include "edit/move_cmds.h"
@@ -57,6 +58,14 @@ void StorePairs(Session& s, int n, const std::vector<CmdPair>& pairs) {
   for (const CmdPair& p : pairs) SetFieldValue(s, n, FindField(s, n, p.Field), p.Value);
 }
 
+// Puts the row of the buffer into the swap file. A row that does not get there is a
+// run-time failure of the line: the store has said why, and nothing after it runs.
+void StoreRow(Session& s, int n, int row) {
+  s.DbfErr = 0;
+  WriteDbfRecSwap(s, n, row);
+  if (s.DbfErr) throw std::runtime_error("swap write");
+}
+
 void RecalcStaleExtents(Session& s) {
   for (int i = 1; i <= s.LyrCount; ++i) {
     if (!s.Lyr[i].Shp.ExtentStale) continue;
@@ -109,9 +118,10 @@ int ExecCmd(Session& s, const CmdCall& c) {
     int rec = s.Lyr[n].Shp.RecCount;
     if (rec != before + 1) return n;
     AddDbfRec(s, n, rec - 1);
+    if (s.DbfErr) throw std::runtime_error("swap write");
     if (PartOk(s, n, rec, I(0))) AddVertexRefresh(s, n, rec, I(0), X(0), X(1), 0, 0);
     StorePairs(s, n, c.Pairs);
-    WriteDbfRecSwap(s, n, rec - 1);
+    StoreRow(s, n, rec - 1);
     return n;
   }
   case CmdOp::AddVertex:
@@ -191,7 +201,7 @@ int ExecCmd(Session& s, const CmdCall& c) {
     const int row = std::max(I(0), 0) - 1; // rows count from 0 in the table
     ReadDbfRec(s, m, row);
     StorePairs(s, m, c.Pairs);
-    WriteDbfRecSwap(s, m, row);
+    StoreRow(s, m, row);
     // A final EXIT saves and removes the layer here, and the tail of the line then does
     // the same once more with the same number.
     if (ArgStrEndsInExit(s)) SaveAndRemove(s, m);

@@ -62,16 +62,22 @@ void OpenShapeRow(Session& s, int index, const std::string& path) {
   std::string dbf = CompanionPath(path, "dbf");
   s.DbfErr = 0;
   OpenDbf(s, index, dbf);
-  if (s.DbfErr == 1) {
+  if (s.DbfErr == 1 && FileExists(dbf)) {
+    // The user's table is never replaced: a table that cannot be read refuses the layer,
+    // and the file stays as it is.
+    s.LyrErr = 1;
+    s.LyrErrText = s.DbfErrText.empty() ? FileNameOf(dbf) + ": cannot be read" : s.DbfErrText;
+    return;
+  }
+  if (s.DbfErr == 1) { // no table: the default one is made
     s.DbfErr = 0;
     if (r.Shp.ShpType == 100)
       NewDbfMask(s, index, dbf);
     else
       NewDbfDefault(s, index, dbf);
-    if (s.DbfErr) {
-      s.LyrErr = s.DbfErr;
-      return;
-    }
+    // Where none can be made (a read-only folder) the layer opens without a table.
+    if (s.DbfErr) InitDbf(s, index);
+    s.DbfErr = 0;
     // A table made to stand beside the geometry is no change of the layer.
     s.Lyr[index].Dbf.DbfChanged = 0;
     s.Lyr[index].Shp.ShpChanged = 0;
@@ -112,6 +118,7 @@ int ShapeTypeOfKind(const std::string& kindWord) {
 }
 
 void OpenLyrFile(Session& s, int index, const std::string& path) {
+  s.LyrErrText.clear();
   std::string ext = ExtOf(path);
   if (ext == "shp" || ext == "tmp") {
     OpenShapeRow(s, index, path);
@@ -154,6 +161,7 @@ void AddShape(Session& s, const std::string& pathIn, bool readOnly) {
                   " has been canceled, Please Open its Raster Image file Instead *** ");
   } else if (s.LyrErr == 1 || s.LyrCount == before) {
     LogMsg(s, " *** Add Layer " + path + " has been canceled *** ");
+    if (!s.LyrErrText.empty()) LogMsg(s, s.LyrErrText);
   } else {
     int n = s.LyrCount;
     s.ActiveLyr = n;

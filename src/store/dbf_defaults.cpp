@@ -2,6 +2,7 @@
 #include <initializer_list>
 #include <string>
 
+#include "model/file_util.h"
 #include "store/dbf_internal.h"
 #include "store/dbf_store.h"
 
@@ -44,11 +45,18 @@ void MakeDefaultTable(Session& s, int lyr, const std::string& path,
     WriteDbfRec(s, lyr, row);
     if (s.DbfErr) break;
   }
-  int16_t err = s.DbfErr;
-  SetDbfRecCount(s, lyr, n);
+  if (!s.DbfErr) SetDbfRecCount(s, lyr, n);
+  if (s.DbfErr) { // a table cut short would be taken for the user's at the next open
+    std::string why = s.DbfErrText;
+    CloseDbf(s, lyr);
+    KillFile(ReplaceExt(path, "dbf"));
+    InitDbf(s, lyr);
+    s.DbfErr = 1;
+    s.DbfErrText = why;
+    return;
+  }
   CloseDbf(s, lyr);
   OpenDbf(s, lyr, path);
-  if (err) s.DbfErr = 1;
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "store/dbf_files.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -17,8 +18,11 @@ constexpr size_t kMinWindow = 4096;
 
 bool WindowedFile::Open(const std::string& path, Mode mode) {
   Close();
-  int flags = mode == Mode::Read ? O_RDONLY : mode == Mode::ReadWrite ? O_RDWR : O_RDWR | O_CREAT;
+  int flags = mode == Mode::Read        ? O_RDONLY
+              : mode == Mode::ReadWrite ? O_RDWR
+                                        : O_RDWR | O_CREAT | O_TRUNC;
   fd_ = ::open(NativePath(path).c_str(), flags | O_CLOEXEC, 0644);
+  err_ = fd_ < 0 ? errno : 0;
   writable_ = fd_ >= 0 && mode != Mode::Read;
   winLen_ = 0;
   lastOff_ = lastEnd_ = 0;
@@ -54,10 +58,12 @@ size_t WindowedFile::ReadAt(uint64_t off, void* dst, size_t n) {
   }
   if (!walk || n >= winCap_) { // a jump, or more than a window: straight from the file
     ssize_t got = ::pread(fd_, dst, n, off_t(off));
+    if (got < 0) err_ = errno;
     return got > 0 ? size_t(got) : 0;
   }
   if (!win_) win_ = std::make_unique_for_overwrite<uint8_t[]>(winCap_);
   ssize_t got = ::pread(fd_, win_.get(), winCap_, off_t(off));
+  if (got < 0) err_ = errno;
   winOff_ = off;
   winLen_ = got > 0 ? size_t(got) : 0;
   size_t have = std::min(n, winLen_);
@@ -66,12 +72,19 @@ size_t WindowedFile::ReadAt(uint64_t off, void* dst, size_t n) {
 }
 
 bool WindowedFile::WriteAt(uint64_t off, const void* src, size_t n) {
-  if (fd_ < 0 || !writable_) return false;
+  if (fd_ < 0 || !writable_) {
+    err_ = fd_ < 0 ? EBADF : EACCES;
+    return false;
+  }
   const auto* p = static_cast<const uint8_t*>(src);
   size_t done = 0;
   while (done < n) {
     ssize_t put = ::pwrite(fd_, p + done, n - done, off_t(off + done));
-    if (put <= 0) return false;
+    if (put < 0 && errno == EINTR) continue;
+    if (put <= 0) {
+      err_ = put < 0 ? errno : ENOSPC;
+      return false;
+    }
     done += size_t(put);
   }
   // Keep the window true to the file where the write overlaps it.

@@ -13,6 +13,7 @@ namespace velmora {
 // bytes. Writes go straight to the file and into the window.
 class WindowedFile {
 public:
+  // Create makes a new, empty file (an old one of that name is cut to nothing).
   enum class Mode { Read, ReadWrite, Create };
 
   WindowedFile() = default;
@@ -30,10 +31,13 @@ public:
   // Reads up to `n` bytes at `off`; returns how many there were.
   size_t ReadAt(uint64_t off, void* dst, size_t n);
   bool WriteAt(uint64_t off, const void* src, size_t n);
+  // The errno of the last failed open, read or write; 0 when none failed.
+  int Error() const { return err_; }
 
 private:
   int fd_ = -1;
   bool writable_ = false;
+  int err_ = 0;
   std::unique_ptr<uint8_t[]> win_;
   size_t winCap_ = 0; // as large as the file was at the open, within bounds
   uint64_t winOff_ = 0;

@@ -33,8 +33,11 @@ void PlaceField(DbfBlock& b, int i);
 // The file mode of the map mode: 1 and 4 read and write, others read only.
 WindowedFile::Mode FileMode(const Session& s);
 DbfFiles& FilesOf(DbfBlock& b);
-// Opens the layer's dbf when DbfOpen is clear. False when it cannot be opened.
+// Opens the layer's dbf for reading when DbfOpen is clear. False when it cannot be opened.
 bool EnsureDbfOpen(Session& s, int lyr);
+// Makes sure the dbf is open for writing, as far as the map mode allows. False, with
+// s.DbfErrText saying why, when it cannot be written.
+bool EnsureDbfWritable(Session& s, int lyr);
 // A frame layer (ShpType 99) keeps no file open between operations.
 void ReleaseIfFrame(Session& s, int lyr);
 

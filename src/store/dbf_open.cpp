@@ -1,8 +1,12 @@
 // Opening, making and closing a layer's table; the header and the field table.
+#include <algorithm>
+#include <cerrno>
 #include <cmath>
 #include <ctime>
+#include <sys/stat.h>
 
 #include "model/file_util.h"
+#include "model/safe_file.h"
 #include "store/codepage.h"
 #include "store/dbf_internal.h"
 #include "store/dbf_store.h"
@@ -46,15 +50,35 @@ DbfFiles& FilesOf(DbfBlock& b) {
   return *b.Files;
 }
 
+// The table is read through a read-only descriptor, so that a layer the user may not
+// write opens all the same; EnsureDbfWritable reopens it when a write is asked for.
 bool EnsureDbfOpen(Session& s, int lyr) {
   DbfBlock& b = s.Lyr[lyr].Dbf;
   if (b.DbfOpen && b.Files && b.Files->Dbf.IsOpen()) return true;
   if (!b.DbfExists || !b.Files || b.Files->DbfPath.empty()) return false;
-  // A table being made is written; a layer's table is only read (a save writes a new
-  // file), so a file that can't be written still opens.
-  if (!b.Files->Dbf.Open(b.Files->DbfPath, FileMode(s)) &&
-      !b.Files->Dbf.Open(b.Files->DbfPath, WindowedFile::Mode::Read))
+  if (!b.Files->Dbf.Open(b.Files->DbfPath, WindowedFile::Mode::Read)) return false;
+  b.DbfFile = b.Files->Dbf.Fd();
+  b.DbfOpen = -1;
+  return true;
+}
+
+bool EnsureDbfWritable(Session& s, int lyr) {
+  DbfBlock& b = s.Lyr[lyr].Dbf;
+  if (b.DbfOpen && b.Files && b.Files->Dbf.IsOpen() && b.Files->Dbf.Writable()) return true;
+  if (!b.DbfExists || !b.Files || b.Files->DbfPath.empty()) {
+    s.DbfErrText = "no table";
     return false;
+  }
+  const std::string name = FileNameOf(b.Files->DbfPath);
+  if (FileMode(s) == WindowedFile::Mode::Read) {
+    s.DbfErrText = name + ": read-only";
+    return false;
+  }
+  if (!b.Files->Dbf.Open(b.Files->DbfPath, WindowedFile::Mode::ReadWrite)) {
+    s.DbfErrText = name + ": " + ErrnoText(b.Files->Dbf.Error());
+    b.DbfOpen = 0;
+    return false;
+  }
   b.DbfFile = b.Files->Dbf.Fd();
   b.DbfOpen = -1;
   return true;
@@ -102,13 +126,10 @@ uint32_t Le32(const uint8_t* p) {
   return uint32_t(p[0]) | uint32_t(p[1]) << 8 | uint32_t(p[2]) << 16 | uint32_t(p[3]) << 24;
 }
 
-// The number of fields the header length gives room for, rounded half to even; -1 when
-// the header cannot hold even the fixed part or more than 255 fields.
+// The number of fields the header length gives room for, rounded half to even.
 int FieldCountOf(int headerLen) {
-  if (headerLen < 32) return -1;
   int whole = headerLen / 32 - 1, rest = headerLen % 32;
-  int n = rest > 16 || (rest == 16 && whole % 2 == 1) ? whole + 1 : whole;
-  return n > 255 ? -1 : n;
+  return rest > 16 || (rest == 16 && whole % 2 == 1) ? whole + 1 : whole;
 }
 
 // The code page of the table: its .cpg, else the language-driver byte, else the session's.
@@ -128,34 +149,47 @@ int PageOfTable(const std::string& dbfPath, uint8_t ldid) {
   return KnownCodePage(page) ? page : 0;
 }
 
-bool ReadHeader(Session& s, DbfBlock& b, WindowedFile& file) {
-  int64_t size = file.Size();
+// Reads the header and the field table as far as they are sound: the fields are the
+// descriptors the header length gives room for, up to a terminator byte and as far as they
+// fit in the record; the rows are those the header counts and the file holds whole. ""
+// when the table can be read, else why not.
+std::string ReadHeader(DbfBlock& b, WindowedFile& file) {
+  const int64_t size = file.Size();
   uint8_t h[32];
-  if (size < 32 || file.ReadAt(0, h, 32) != 32) return false;
-  int headerLen = Le16(h + 8), recLen = Le16(h + 10);
-  int64_t recCount = int64_t(Le32(h + 4));
-  int count = FieldCountOf(headerLen);
-  if (count < 0 || 32 * (count + 1) > headerLen || headerLen > size) return false;
-  if (recLen < 1 || recCount > INT32_MAX) return false;
-  // Every row the header promises must be in the file.
-  if (headerLen + recCount * recLen > size) return false;
+  if (size < 32 || file.ReadAt(0, h, 32) != 32)
+    return "truncated at byte " + std::to_string(std::max<int64_t>(size, 0)) +
+           ", inside the table header";
+  const int headerLen = Le16(h + 8), recLen = Le16(h + 10);
+  if (headerLen < 32) return "header length " + std::to_string(headerLen) + " is too short";
+  if (headerLen > size)
+    return "truncated at byte " + std::to_string(size) + ", inside the field table of " +
+           std::to_string(headerLen) + " bytes";
+  if (recLen < 1) return "record length 0";
 
+  // The count the header length gives, but only descriptors wholly inside the header.
+  int count = std::min({FieldCountOf(headerLen), headerLen / 32 - 1, 255});
   std::vector<uint8_t> desc(size_t(32 * count));
-  if (count > 0 && file.ReadAt(32, desc.data(), desc.size()) != desc.size()) return false;
-  b.DbfFields.assign(size_t(count) + 1, FlagField());
-  int sum = 1;
+  if (count > 0 && file.ReadAt(32, desc.data(), desc.size()) != desc.size())
+    return "the field table cannot be read";
+  std::vector<DbfField> fields(1, FlagField());
+  int end = 0; // last byte of the record taken by a field so far
   for (int i = 1; i <= count; ++i) {
     const uint8_t* d = desc.data() + 32 * (i - 1);
-    DbfField& f = b.DbfFields[size_t(i)];
+    if (d[0] == 0x0D) break;             // the terminator: what follows is padding
+    if (end + d[16] > recLen - 1) break; // a field past the end of the record
+    DbfField& f = fields.emplace_back();
     std::copy(d, d + 11, reinterpret_cast<uint8_t*>(f.FieldName.data()));
     f.FieldType = char(d[11]);
     f.FieldAddress = int32_t(Le32(d + 12));
     f.FieldLength = d[16];
     f.FieldDecimals = d[17];
     std::copy(d + 18, d + 32, f.FieldReserved.begin());
-    sum += f.FieldLength;
+    end += f.FieldLength;
   }
-  if (sum != recLen) return false;
+
+  // Rows the header promises but the file does not hold whole are not there.
+  const int64_t whole = (size - headerLen) / recLen;
+  const int64_t recCount = std::min({int64_t(Le32(h + 4)), whole, int64_t(INT32_MAX)});
 
   b.DbfVersion = h[0];
   b.DbfDate = {h[1], h[2], h[3]};
@@ -163,17 +197,18 @@ bool ReadHeader(Session& s, DbfBlock& b, WindowedFile& file) {
   b.DbfHeaderLen = int16_t(headerLen);
   b.DbfRecLen = int16_t(recLen);
   std::copy(h + 12, h + 32, b.DbfReserved.begin());
-  b.DbfFieldCount = uint8_t(count);
-  for (int i = 1; i <= count; ++i) PlaceField(b, i);
+  b.DbfFieldCount = uint8_t(fields.size() - 1);
+  b.DbfFields = std::move(fields);
+  for (int i = 1; i <= b.DbfFieldCount; ++i) PlaceField(b, i);
   b.DbfBuf.assign(size_t(recLen) + 1, ' ');
-  (void)s;
-  return true;
+  return "";
 }
 
 } // namespace
 
 void OpenDbf(Session& s, int lyr, const std::string& path) {
   s.DbfErr = 0;
+  s.DbfErrText.clear();
   if (!ValidLyr(s, lyr)) {
     s.DbfErr = 1;
     return;
@@ -185,19 +220,27 @@ void OpenDbf(Session& s, int lyr, const std::string& path) {
   DbfFiles& files = FilesOf(b);
   files.Dbf.Close();
   b.DbfOpen = 0;
-  if (!FileExists(dbfPath)) {
-    b.DbfExists = 0;
-    b.DbfChanged = 0;
+  b.DbfExists = 0;
+  b.DbfChanged = 0;
+  struct stat st;
+  if (::lstat(NativePath(dbfPath).c_str(), &st) != 0) { // no table: the caller makes one
     EmptyTable(b);
     s.DbfErr = 1;
     return;
   }
-  if (!files.Dbf.Open(dbfPath, WindowedFile::Mode::Read) || !ReadHeader(s, b, files.Dbf)) {
+  // Read only: nothing is written to the table until a write is asked for.
+  std::string why;
+  if (::stat(NativePath(dbfPath).c_str(), &st) == 0 && S_ISDIR(st.st_mode))
+    why = "a folder, not a table";
+  else if (!files.Dbf.Open(dbfPath, WindowedFile::Mode::Read))
+    why = files.Dbf.Error() == EACCES ? "permission denied" : ErrnoText(files.Dbf.Error());
+  else
+    why = ReadHeader(b, files.Dbf);
+  if (!why.empty()) {
     files.Dbf.Close();
-    b.DbfExists = 0;
-    b.DbfChanged = 0;
     EmptyTable(b);
     s.DbfErr = 1;
+    s.DbfErrText = FileNameOf(dbfPath) + ": " + why;
     return;
   }
   files.DbfPath = dbfPath;
@@ -209,7 +252,6 @@ void OpenDbf(Session& s, int lyr, const std::string& path) {
   b.DbfBufChanged = 0;
   b.DbfExists = -1;
   b.DbfOpen = -1;
-  b.DbfChanged = 0;
   s.host->LayerItemChanged(lyr);
   ReleaseIfFrame(s, lyr);
 }
@@ -285,9 +327,11 @@ void CreateDbf(Session& s, int lyr, const std::string& path) {
   }
   put16(size_t(32 * (n + 1)), 13);
 
-  if (!files.Dbf.Open(dbfPath, WindowedFile::Mode::Create) ||
-      !files.Dbf.WriteAt(0, h.data(), h.size())) {
+  bool made = files.Dbf.Open(dbfPath, WindowedFile::Mode::Create);
+  if (!made || !files.Dbf.WriteAt(0, h.data(), h.size())) {
+    s.DbfErrText = FileNameOf(dbfPath) + ": " + ErrnoText(files.Dbf.Error());
     files.Dbf.Close();
+    if (made) KillFile(dbfPath); // a header cut short is no table to leave behind
     b.DbfOpen = 0;
     s.DbfErr = 1;
     return;
@@ -305,9 +349,15 @@ void SetDbfRecCount(Session& s, int lyr, int n) {
   DbfBlock& b = s.Lyr[lyr].Dbf;
   b.DbfRecCount = n;
   if (b.SwapOpen && b.SwapIndex.size() < size_t(n) + 1) b.SwapIndex.resize(size_t(n) + 1, -1);
-  if (!EnsureDbfOpen(s, lyr)) return;
+  if (!EnsureDbfWritable(s, lyr)) {
+    s.DbfErr = 1;
+    return;
+  }
   uint8_t v[4] = {uint8_t(n), uint8_t(n >> 8), uint8_t(n >> 16), uint8_t(n >> 24)};
-  if (!b.Files->Dbf.WriteAt(4, v, 4)) s.DbfErr = 1;
+  if (!b.Files->Dbf.WriteAt(4, v, 4)) {
+    s.DbfErr = 1;
+    s.DbfErrText = FileNameOf(b.Files->DbfPath) + ": " + ErrnoText(b.Files->Dbf.Error());
+  }
   ReleaseIfFrame(s, lyr);
 }
 

@@ -35,6 +35,7 @@ void MoveRow(Session& s, int srcLyr, int srcRow, int dstLyr, int dstRow, bool by
     SetFieldValue(s, dstLyr, j, value);
   }
   s.Lyr[dstLyr].Dbf.DbfBufChanged = -1;
+  s.DbfErr = 0; // set again when the row does not reach the swap file
   WriteDbfRecSwap(s, dstLyr, dstRow);
 }
 

@@ -119,11 +119,14 @@ void ApplyDbfSaved(Session& s, int lyr) {
 
 void SaveDbf(Session& s, int lyr) {
   if (!ValidLyr(s, lyr) || !s.Lyr[lyr].Dbf.DbfChanged) return;
+  s.DbfErr = 0;
   SafeFileSet files;
   if (WriteDbfFile(s, lyr, files) && files.Commit())
     ApplyDbfSaved(s, lyr);
-  else
+  else {
     s.DbfErr = 1;
+    s.DbfErrText = files.Error();
+  }
 }
 
 } // namespace velmora

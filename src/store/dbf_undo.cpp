@@ -9,23 +9,39 @@ using namespace dbf;
 
 namespace {
 
+// Trades item `item` with its cell; false when the row could not be written.
+bool ExchangeItem(Session& s, int lyr, DataUndoItem& item) {
+  ReadDbfRec(s, lyr, item.Rec - 1);
+  std::string now = GetFieldValue(s, lyr, item.FieldNo);
+  SetFieldValue(s, lyr, item.FieldNo, item.Value);
+  s.DbfErr = 0;
+  WriteDbfRecSwap(s, lyr, item.Rec - 1);
+  if (s.DbfErr) return false;
+  item.Value = std::move(now);
+  return true;
+}
+
 // Swaps each item of the group with its cell, so that the group serves the other way next.
-void Exchange(Session& s, int lyr, DataUndoGroup& g, const char* caption, bool quiet) {
+// A row that cannot be written stops it, and the items already traded go back, so that the
+// group stays whole for another try. False then.
+bool Exchange(Session& s, int lyr, DataUndoGroup& g, const char* caption, bool quiet) {
   if (!quiet) s.host->FuncText(caption);
   long long n = g.ItemCount, i = 0;
-  for (DataUndoItem& item : g.Items) {
-    ReadDbfRec(s, lyr, item.Rec - 1);
-    std::string now = GetFieldValue(s, lyr, item.FieldNo);
-    SetFieldValue(s, lyr, item.FieldNo, item.Value);
-    WriteDbfRecSwap(s, lyr, item.Rec - 1);
-    item.Value = std::move(now);
+  size_t done = 0;
+  for (; done < g.Items.size(); ++done) {
+    if (!ExchangeItem(s, lyr, g.Items[done])) break;
     if (!quiet) s.host->Progress(++i, n);
   }
+  bool whole = done == g.Items.size();
+  if (!whole)
+    while (done-- > 0) ExchangeItem(s, lyr, g.Items[done]);
   if (!quiet) {
     s.host->Progress(0, 0);
     s.host->FuncText("");
   }
   s.host->TableDataChanged(lyr);
+  if (!whole) s.DbfErr = 1;
+  return whole;
 }
 
 } // namespace
@@ -70,17 +86,16 @@ void UndoDataEdit(Session& s, int lyr, bool quiet) {
   if (j.UndoPos <= 0 || size_t(j.UndoPos) >= j.UndoGroups.size()) return;
   DataUndoGroup& g = j.UndoGroups[size_t(j.UndoPos)];
   if (g.ItemCount <= 0) return;
-  Exchange(s, lyr, g, "Undo Data Edit", quiet);
-  j.UndoPos -= 1;
+  if (Exchange(s, lyr, g, "Undo Data Edit", quiet)) j.UndoPos -= 1;
 }
 
 void RedoDataEdit(Session& s, int lyr, bool quiet) {
   if (!ValidLyr(s, lyr)) return;
   DataUndoJournal& j = s.Lyr[lyr].Dbf.DataUndo;
   if (j.UndoPos >= j.UndoTop || size_t(j.UndoPos) + 1 >= j.UndoGroups.size()) return;
+  DataUndoGroup& g = j.UndoGroups[size_t(j.UndoPos) + 1];
+  if (g.ItemCount > 0 && !Exchange(s, lyr, g, "Redo Data Edit", quiet)) return;
   j.UndoPos += 1;
-  DataUndoGroup& g = j.UndoGroups[size_t(j.UndoPos)];
-  if (g.ItemCount > 0) Exchange(s, lyr, g, "Redo Data Edit", quiet);
 }
 
 } // namespace velmora

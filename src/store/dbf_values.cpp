@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "frame/log.h"
 #include "model/file_util.h"
 #include "store/codepage.h"
 #include "store/dbf_internal.h"
@@ -80,15 +81,30 @@ std::string DateBytes(const Session& s, const std::string& text, size_t width, i
   return out;
 }
 
+// The number text of `text` with at most `decimals` places, as FieldFormat gives it.
+std::string NumberText(const Session& s, const std::string& text, int decimals) {
+  char sep = s.Locale.DecimalSep;
+  std::string formatted = FormatDecimals(text, sep, decimals);
+  if (formatted.empty()) formatted = text;
+  return CellNumber(CleanNumText(s, formatted), sep);
+}
+
+// The bytes of a numeric cell for `text`, right-aligned; "" when the number's integer
+// part does not fit the field. Decimals that do not fit are rounded away.
 std::string NumberBytes(const Session& s, const DbfField& fd, const std::string& text) {
   size_t width = fd.FieldLength;
   std::string t = Trim(text);
   // An empty cell stays empty, which other programs read as no value.
   if (t.empty() || t.find_first_not_of('*') == std::string::npos) return std::string(width, ' ');
-  char sep = s.Locale.DecimalSep;
-  std::string formatted = FormatDecimals(text, sep, fd.FieldDecimals);
-  if (formatted.empty()) formatted = text;
-  std::string out = CellNumber(CleanNumText(s, formatted), sep);
+  std::string out = NumberText(s, text, fd.FieldDecimals);
+  if (out.size() > width) {
+    size_t point = out.find('.');
+    size_t whole = point == std::string::npos ? out.size() : point;
+    if (whole > width) return "";
+    int room = int(width) - int(whole) - 1; // decimals that fit behind the point
+    out = NumberText(s, text, std::clamp(room, 0, int(fd.FieldDecimals)));
+    if (out.size() > width) return ""; // rounding carried into one digit more
+  }
   if (out.size() < width) out.insert(0, width - out.size(), ' ');
   return out;
 }
@@ -135,9 +151,15 @@ void SetFieldValue(Session& s, int lyr, int f, const std::string& text) {
   const DbfField& fd = b.DbfFields[size_t(f)];
   int page = LayerPage(s, lyr);
   std::string bytes;
-  if (IsNumericLetter(fd.FieldType))
+  if (IsNumericLetter(fd.FieldType)) {
     bytes = NumberBytes(s, fd, text);
-  else if (fd.FieldType == 'D')
+    if (bytes.empty() && fd.FieldLength > 0) { // the cell keeps its value
+      LogMsg(s, " *** Value " + text + " does not fit field " + GetFieldName(s, lyr, f) + " (" +
+                    std::to_string(fd.FieldLength) + "." + std::to_string(fd.FieldDecimals) +
+                    ") *** ");
+      return;
+    }
+  } else if (fd.FieldType == 'D')
     bytes = DateBytes(s, text, fd.FieldLength, page);
   else
     bytes = TextBytes(text, fd.FieldLength, page);

@@ -47,7 +47,7 @@ struct Table {
 
 } // namespace
 
-TEST(DbfSwap, FilesMadeHereEndInASpareByteAndRowsCarryTheNextFlag) {
+TEST(DbfSwap, FilesMadeHereEndInTheEndOfFileByteAndRowsCarryTheNextFlag) {
   Table t(3);
   std::string bytes = ReadFile(t.dbf);
   DbfLayout l = LayoutOf(bytes);
@@ -55,7 +55,7 @@ TEST(DbfSwap, FilesMadeHereEndInASpareByteAndRowsCarryTheNextFlag) {
   EXPECT_EQ(l.RecLen, 1 + 6 + 8);
   EXPECT_EQ(l.RecCount, 3);
   EXPECT_EQ(bytes.size(), size_t(l.HeaderLen + 3 * l.RecLen + 1));
-  EXPECT_EQ(bytes.back(), ' ');
+  EXPECT_EQ(bytes.back(), '\x1a');
   EXPECT_EQ(bytes.substr(96, 2), "\r ") << "13, then the first row over the zero byte";
   EXPECT_EQ(RowBytes(bytes, 1), " r1        0.25");
   EXPECT_EQ(t.B().DbfVersion, 3);
@@ -165,6 +165,7 @@ TEST(DbfSwap, AddedRowsGrowTheTableAndTheSaveExtendsTheFile) {
   EXPECT_EQ(RowBytes(after, 3), " new           ");
   EXPECT_EQ(RowBytes(after, 4), std::string(15, ' '));
   EXPECT_EQ(after.size(), size_t(l.HeaderLen + 5 * l.RecLen + 1));
+  EXPECT_EQ(after.back(), '\x1a');
 }
 
 TEST(DbfSwap, ReadOnlyMapModeRefusesWrites) {

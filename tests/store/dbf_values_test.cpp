@@ -10,7 +10,8 @@ namespace {
 
 // A table with one row: name C 12, n52 N 5.2, n0 N 6, d D 8, ok L 1, road_name C 10.
 struct OneRow {
-  Session s;
+  RecordingHost host;
+  Session s{host};
   std::string dir = TempDir("dbf-val");
   int lyr = 0;
   OneRow() {
@@ -59,8 +60,6 @@ TEST(DbfValues, NumbersAreRoundedToTheFieldAndRightAligned) {
   EXPECT_EQ(t.Raw(2), "    0");
   t.Put(2, "12abc"); // not a number: its leading number
   EXPECT_EQ(t.Raw(2), "   12");
-  t.Put(3, "1234567.8"); // too wide: the right end goes, silently
-  EXPECT_EQ(t.Raw(3), "123456");
   t.Put(3, "2.5e2");
   EXPECT_EQ(t.Raw(3), "   250");
   t.Put(3, "  ");
@@ -197,4 +196,45 @@ TEST(DbfValues, StrToDblAndNumChars) {
   EXPECT_FALSE(IsNumChar(s, 'e'));
   EXPECT_EQ(CleanNumText(s, "abc"), "0");
   EXPECT_EQ(CleanNumText(s, "1,234.5"), "1234.5");
+}
+
+TEST(DbfValues, ANumberTooWideForItsFieldIsNotStored) {
+  OneRow t;
+  t.Put(3, "4321");
+  t.host.logged.clear();
+  t.Put(3, "1234567.8"); // seven digits before the point in a field of six
+  EXPECT_EQ(t.Raw(3), "  4321") << "the cell keeps its value";
+  ASSERT_EQ(t.host.logged.size(), 1u);
+  EXPECT_EQ(t.host.logged[0], " *** Value 1234567.8 does not fit field N0 (6.0) *** ");
+  t.Put(3, "-123456");
+  EXPECT_EQ(t.Raw(3), "  4321") << "the sign takes a place too";
+  t.Put(3, "999999.5"); // rounds up to seven digits
+  EXPECT_EQ(t.Raw(3), "  4321");
+  EXPECT_EQ(t.host.logged.size(), 3u);
+  EXPECT_EQ(t.host.logged[2], " *** Value 999999.5 does not fit field N0 (6.0) *** ");
+  ReadDbfRec(t.s, t.lyr, 0);
+  EXPECT_EQ(Trim(GetFieldValue(t.s, t.lyr, 3)), "4321") << "nor did the swap get it";
+  EXPECT_EQ(t.s.Lyr[t.lyr].Dbf.SwapTop, 0);
+
+  // Decimals that do not fit are rounded away, half away from zero; the number stays.
+  t.host.logged.clear();
+  t.Put(2, "123.456"); // N 5.2: three digits, a point and one decimal
+  EXPECT_EQ(t.Raw(2), "123.5");
+  t.Put(2, "-12.346");
+  EXPECT_EQ(t.Raw(2), "-12.3");
+  t.Put(2, "999.96");
+  EXPECT_EQ(t.Raw(2), " 1000");
+  t.Put(2, "12345.4");
+  EXPECT_EQ(t.Raw(2), "12345");
+  EXPECT_TRUE(t.host.logged.empty());
+  t.Put(2, "99999.5");
+  EXPECT_EQ(t.Raw(2), "12345");
+  ASSERT_EQ(t.host.logged.size(), 1u);
+  EXPECT_EQ(t.host.logged[0], " *** Value 99999.5 does not fit field N52 (5.2) *** ");
+
+  // Text is still cut on the right, without a word.
+  t.host.logged.clear();
+  t.Put(1, "a name longer than twelve");
+  EXPECT_EQ(t.Raw(1), "a name longe");
+  EXPECT_TRUE(t.host.logged.empty());
 }
