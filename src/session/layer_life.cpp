@@ -120,8 +120,7 @@ void OpenLyrFile(Session& s, int index, const std::string& path) {
   std::string ext = ExtOf(path);
   if (ext == "shp" || ext == "tmp") {
     OpenShapeRow(s, index, path);
-  } else if (ext == "jpg" || ext == "gif" || ext == "bmp" ||
-             ((ext == "tif" || ext == "png") && s.GdipReady)) {
+  } else if (IsImageExt(ext) && (s.GdipReady || !(ext == "tif" || ext == "png"))) {
     OpenImageRow(s, index, path);
   } else {
     s.Lyr[index].LyrKind = 0; // quietly no layer
@@ -153,12 +152,14 @@ void AddShape(Session& s, const std::string& pathIn, bool readOnly) {
   if (!FileExists(path)) return;
   WaitCursor(s);
   int before = s.LyrCount;
+  s.LyrErrText.clear();
   NewLyrRow(s, path);
   if (s.LyrErr == 2) {
     LogMsg(s, " *** Add Layer " + path +
                   " has been canceled, Please Open its Raster Image file Instead *** ");
   } else if (s.LyrErr == 1 || s.LyrCount == before) {
     LogMsg(s, " *** Add Layer " + path + " has been canceled *** ");
+    if (!s.LyrErrText.empty()) LogMsg(s, s.LyrErrText);
   } else {
     int n = s.LyrCount;
     s.ActiveLyr = n;
@@ -221,19 +222,15 @@ void SaveRow(Session& s, int index, bool all) {
       ok = s.DbfErr == 0;
     }
   }
-  if (ok && l.Img.ImgChanged) {
-    ok = SaveImage(s, index, l.Fsource);
-    if (ok) l.Img.ImgChanged = 0;
-  }
-  if (ok && l.Img.WorldChanged) {
-    SaveWorld(s, index, l.Fsource);
-    l.Img.WorldChanged = 0;
-  }
+  s.LyrErrText.clear();
+  if (ok) ok = SaveImageChanges(s, index);
   LyrLock(s, index, false, "");
-  if (ok)
+  if (ok) {
     LogMsg(s, "Save Layer " + l.LyrName);
-  else
+  } else {
     LogMsg(s, " *** Save Layer " + l.LyrName + " has been canceled *** ");
+    if (!s.LyrErrText.empty()) LogMsg(s, s.LyrErrText);
+  }
   s.host->LayerItemChanged(index);
 }
 
@@ -271,6 +268,7 @@ void SaveLyrAs(Session& s, int index, const std::string& path) {
   }
   if (l.Shp.ShpType == 99 && !SaveImageAs(s, index, path)) {
     LogMsg(s, " *** Save Layer As has been canceled *** ");
+    if (!s.LyrErrText.empty()) LogMsg(s, s.LyrErrText);
     LyrLock(s, index, false, "");
     return;
   }

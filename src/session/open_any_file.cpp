@@ -4,6 +4,7 @@
 #include "session/layer_life.h"
 #include "session/log.h"
 #include "session/project.h"
+#include "view/raster_layer.h"
 
 namespace velmora {
 
@@ -16,7 +17,7 @@ void OpenAnyFile(Session& s, const std::string& given) {
 
   if (ext == "qmt") {
     if (ConfirmCloseProject(s)) LoadProject(s, path);
-  } else if (ext == "shp" || ext == "jpg" || ext == "gif" || ext == "bmp") {
+  } else if (ext == "shp" || (IsImageExt(ext) && ext != "tif" && ext != "png")) {
     AddShape(s, path, false);
   } else if (ext == "dbf" || ext == "shx") {
     AddShape(s, ChangeExt(path, "shp"), false);

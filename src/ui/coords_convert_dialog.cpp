@@ -7,6 +7,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
+#include <QShowEvent>
 #include <QPushButton>
 #include <QVBoxLayout>
 
@@ -182,6 +183,11 @@ void CoordsConvertDialog::Start(CoordDir dir) {
     break;
   }
   LayerChosen();
+}
+
+void CoordsConvertDialog::showEvent(QShowEvent* e) {
+  if (!running_) FillLayers();
+  QDialog::showEvent(e);
 }
 
 void CoordsConvertDialog::closeEvent(QCloseEvent* e) {
