@@ -140,8 +140,8 @@ void OpenImage(Session& s, int n, const std::string& path) {
         return fail(problem.empty() ? why : problem);
       s.Tiff = tags;
       l.Img.ImgPic = io->FromBits(bits);
-      if (!l.Img.ImgPic) return fail(MemoryRefusal(DibBytes(bits.Width, bits.Height), bits.Width,
-                                                   bits.Height));
+      if (!l.Img.ImgPic)
+        return fail(MemoryRefusal(DibBytes(bits.Width, bits.Height), bits.Width, bits.Height));
     }
     if (s.Tiff.TiffHasGeo) ApplyTiffGeo(s, n);
   }
@@ -155,7 +155,8 @@ void OpenImage(Session& s, int n, const std::string& path) {
     l.Img.WorldRight = l.Img.ImgWidth, l.Img.WorldBottom = -l.Img.ImgHeight;
   }
   OpenImgFrame(s, n, path);
-  if (s.Lyr[n].LyrKind == 0) return fail("its frame " + ChangeExt(path, "shp") + " can't be opened");
+  if (s.Lyr[n].LyrKind == 0)
+    return fail("its frame " + ChangeExt(path, "shp") + " can't be opened");
   s.Lyr[n].Fsource = path;
   RebuildImgFrame(s, n);
   if (s.Lyr[n].Img.HasWorld)
@@ -319,8 +320,8 @@ bool WriteImageFiles(Session& s, int n, const std::string& path, bool picture, b
   SafeFileSet set;
   if (picture) {
     int fd = set.Open(target);
-    std::string mime = ext == "jpg"   ? "image/jpeg"
-                       : ext == "tif" ? "image/tiff"
+    std::string mime = ext == "jpg"      ? "image/jpeg"
+                       : ext == "tif"    ? "image/tiff"
                        : PictureExt(ext) ? "image/" + ext
                                          : "image/bmp";
     std::string why;

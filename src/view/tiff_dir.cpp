@@ -41,7 +41,9 @@ struct File {
 // Numbers of the file's own byte order; a BigTIFF's offsets and counts are 64-bit.
 struct Order {
   bool be = false, big = false;
-  uint16_t U16(const uint8_t* p) const { return be ? uint16_t(p[0] << 8 | p[1]) : uint16_t(p[0] | p[1] << 8); }
+  uint16_t U16(const uint8_t* p) const {
+    return be ? uint16_t(p[0] << 8 | p[1]) : uint16_t(p[0] | p[1] << 8);
+  }
   uint32_t U32(const uint8_t* p) const {
     return be ? uint32_t(p[0]) << 24 | uint32_t(p[1]) << 16 | uint32_t(p[2]) << 8 | p[3]
               : uint32_t(p[3]) << 24 | uint32_t(p[2]) << 16 | uint32_t(p[1]) << 8 | p[0];
@@ -68,13 +70,25 @@ struct Entry {
 
 size_t TypeSize(uint16_t type) {
   switch (type) {
-  case 1: case 2: case 6: case 7:
+  case 1:
+  case 2:
+  case 6:
+  case 7:
     return 1;
-  case 3: case 8:
+  case 3:
+  case 8:
     return 2;
-  case 4: case 9: case 11: case 13:
+  case 4:
+  case 9:
+  case 11:
+  case 13:
     return 4;
-  case 5: case 10: case 12: case 16: case 17: case 18:
+  case 5:
+  case 10:
+  case 12:
+  case 16:
+  case 17:
+  case 18:
     return 8;
   default:
     return 0;
@@ -143,7 +157,7 @@ struct Dir {
   // The first n doubles of the entry; false when it holds fewer or isn't of type DOUBLE.
   bool Doubles(const Entry& e, double* out, size_t n) {
     std::vector<uint8_t> b;
-    if (e.type != 12 || e.count < n || !Bytes(e, b, 8 * 1024) ) return false;
+    if (e.type != 12 || e.count < n || !Bytes(e, b, 8 * 1024)) return false;
     for (size_t i = 0; i < n; ++i) out[i] = o.F64(&b[8 * i]);
     return true;
   }
@@ -163,8 +177,8 @@ void Placement(TiffState& t, bool tie, bool scale, bool matrix, const double m[1
       t.TiffHasGeo = -1;
     return;
   }
-  if (matrix && m[1] == 0 && m[4] == 0 && m[0] != 0 && m[5] != 0 && Usable(m[0]) &&
-      Usable(m[5]) && Usable(m[3]) && Usable(m[7])) {
+  if (matrix && m[1] == 0 && m[4] == 0 && m[0] != 0 && m[5] != 0 && Usable(m[0]) && Usable(m[5]) &&
+      Usable(m[3]) && Usable(m[7])) {
     t.TiffScale[0] = m[0];
     t.TiffScale[1] = -m[5];
     t.TiffTie[3] = m[3];
@@ -312,8 +326,21 @@ bool IsTiffExt(const std::string& path) {
 // Compressions that the decoders of this system read.
 bool KnownCompression(int c) {
   switch (c) {
-  case 0: case 1: case 2: case 3: case 4: case 5: case 6: case 7: case 8:
-  case 32773: case 32946: case 34887: case 34925: case 50000: case 50001:
+  case 0:
+  case 1:
+  case 2:
+  case 3:
+  case 4:
+  case 5:
+  case 6:
+  case 7:
+  case 8:
+  case 32773:
+  case 32946:
+  case 34887:
+  case 34925:
+  case 50000:
+  case 50001:
     return true;
   default:
     return false;
@@ -322,14 +349,24 @@ bool KnownCompression(int c) {
 
 const char* CompressionName(int c) {
   switch (c) {
-  case 32766: return "NeXT";
-  case 32809: return "ThunderScan";
-  case 32908: case 32909: return "PixarLog";
-  case 34676: case 34677: return "SGI LogLuv";
-  case 34712: return "JPEG 2000";
-  case 34892: return "lossy JPEG";
-  case 50002: return "JPEG XL";
-  default: return "";
+  case 32766:
+    return "NeXT";
+  case 32809:
+    return "ThunderScan";
+  case 32908:
+  case 32909:
+    return "PixarLog";
+  case 34676:
+  case 34677:
+    return "SGI LogLuv";
+  case 34712:
+    return "JPEG 2000";
+  case 34892:
+    return "lossy JPEG";
+  case 50002:
+    return "JPEG XL";
+  default:
+    return "";
   }
 }
 
@@ -381,8 +418,7 @@ int32_t SampleAt(const uint8_t* b, int bpp, bool be) {
 
 // Walks the strips in order, a value at a time, rows running on whatever the strip
 // boundaries; `each(index, value)`. False when a strip can't be read.
-template <class Each>
-bool WalkStrips(const TiffState& t, File& f, uint64_t pixels, Each each) {
+template <class Each> bool WalkStrips(const TiffState& t, File& f, uint64_t pixels, Each each) {
   const int bpp = t.TiffBytesPerPixel;
   uint64_t at = 0;
   std::vector<uint8_t> strip;
@@ -404,16 +440,14 @@ bool ReadIdlTiffBits(Session& s, const std::string& path, DibBits& out) {
   File f;
   int bpp = t.TiffBytesPerPixel;
   bool plain = t.TiffCompression <= 1 && t.TiffTileWidth == 0;
-  if (t.TiffErr || !plain || !f.Open(path) || t.TiffWidth <= 0 || t.TiffHeight <= 0 ||
-      bpp <= 0) {
+  if (t.TiffErr || !plain || !f.Open(path) || t.TiffWidth <= 0 || t.TiffHeight <= 0 || bpp <= 0) {
     t.TiffErr = 1;
     return false;
   }
   // Uncompressed strips: the file must be able to hold the pixels.
   uint64_t pixels = uint64_t(t.TiffWidth) * uint64_t(t.TiffHeight);
-  if (pixels > f.size / uint64_t(bpp) + 1 || !MemoryRefusal(DibBytes(t.TiffWidth, t.TiffHeight),
-                                                             t.TiffWidth, t.TiffHeight)
-                                                  .empty()) {
+  if (pixels > f.size / uint64_t(bpp) + 1 ||
+      !MemoryRefusal(DibBytes(t.TiffWidth, t.TiffHeight), t.TiffWidth, t.TiffHeight).empty()) {
     t.TiffErr = 1;
     return false;
   }

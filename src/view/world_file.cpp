@@ -89,8 +89,8 @@ bool WriteWorldFile(const std::string& path, double left, double top, double rig
     if (why) *why = "no pixel size";
     return false;
   }
-  return SafeWriteFile(WorldFileName(path),
-                       WorldFileText(left, top, right, bottom, width, height), why);
+  return SafeWriteFile(WorldFileName(path), WorldFileText(left, top, right, bottom, width, height),
+                       why);
 }
 
 } // namespace velmora

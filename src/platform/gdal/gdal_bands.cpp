@@ -153,8 +153,8 @@ bool ReadBytes(GDALDatasetH ds, const BandPlan& p, uint8_t* dst, size_t stride, 
   return true;
 }
 
-bool ReadPalette(GDALDatasetH ds, const BandPlan& p, uint8_t* dst, size_t stride, int y0,
-                 int rows, std::vector<uint16_t>& idx) {
+bool ReadPalette(GDALDatasetH ds, const BandPlan& p, uint8_t* dst, size_t stride, int y0, int rows,
+                 std::vector<uint16_t>& idx) {
   const int W = GDALGetRasterXSize(ds);
   idx.resize(size_t(W) * size_t(rows));
   if (GDALRasterIO(p.rgb[0], GF_Read, 0, y0, W, rows, idx.data(), W, rows, GDT_UInt16, 0, 0) !=
@@ -176,8 +176,8 @@ bool ReadRamp(GDALDatasetH ds, const BandPlan& p, uint8_t* dst, size_t stride, i
   const int W = GDALGetRasterXSize(ds);
   vals.resize(size_t(W) * size_t(rows));
   for (int c = 0; c < p.channels; ++c) {
-    if (GDALRasterIO(p.rgb[c], GF_Read, 0, y0, W, rows, vals.data(), W, rows, GDT_Float64, 0,
-                     0) != CE_None)
+    if (GDALRasterIO(p.rgb[c], GF_Read, 0, y0, W, rows, vals.data(), W, rows, GDT_Float64, 0, 0) !=
+        CE_None)
       return false;
     double nd = 0;
     bool hasNd = NoDataOf(p.rgb[c], nd);
@@ -198,12 +198,11 @@ bool ReadRamp(GDALDatasetH ds, const BandPlan& p, uint8_t* dst, size_t stride, i
   return true;
 }
 
-bool BlendAlpha(GDALDatasetH ds, const BandPlan& p, uint8_t* dst, size_t stride, int y0,
-                int rows, std::vector<uint8_t>& a) {
+bool BlendAlpha(GDALDatasetH ds, const BandPlan& p, uint8_t* dst, size_t stride, int y0, int rows,
+                std::vector<uint8_t>& a) {
   const int W = GDALGetRasterXSize(ds);
   a.resize(size_t(W) * size_t(rows));
-  if (GDALRasterIO(p.alpha, GF_Read, 0, y0, W, rows, a.data(), W, rows, GDT_Byte, 0, 0) !=
-      CE_None)
+  if (GDALRasterIO(p.alpha, GF_Read, 0, y0, W, rows, a.data(), W, rows, GDT_Byte, 0, 0) != CE_None)
     return false;
   for (int r = 0; r < rows; ++r) {
     uint8_t* px = dst + size_t(y0 + r) * stride;

@@ -30,8 +30,8 @@ bool GdalPicture::Open(const std::string& path, std::string& why) {
     why = VSIStatL(path.c_str(), nullptr) == 0 ? "empty file" : "file not found";
     return false;
   }
-  GDALDatasetH ds = GDALOpenEx(path.c_str(), GDAL_OF_RASTER | GDAL_OF_READONLY, nullptr, nullptr,
-                               nullptr);
+  GDALDatasetH ds =
+      GDALOpenEx(path.c_str(), GDAL_OF_RASTER | GDAL_OF_READONLY, nullptr, nullptr, nullptr);
   if (!ds) {
     why = errors.Why(size, "not a picture format that can be read");
     return false;

@@ -54,8 +54,8 @@ int QtImageIO::FromBits(const DibBits& bits) {
 
 bool QtImageIO::GetBits(int handle, DibBits& out) {
   const QImage* img = Get(handle);
-  if (!img || !MemoryRefusal(DibBytes(img->width(), img->height()), img->width(), img->height())
-                   .empty())
+  if (!img ||
+      !MemoryRefusal(DibBytes(img->width(), img->height()), img->width(), img->height()).empty())
     return false;
   out.Width = img->width();
   out.Height = img->height();
