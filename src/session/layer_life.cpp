@@ -41,7 +41,8 @@ bool IsPointKind(int t) {
 }
 
 bool HasChanges(const LyrRec& l) {
-  return l.Shp.ShpChanged || l.Dbf.DbfChanged;
+  // An edited picture or a moved one is a change to save like any other.
+  return l.Shp.ShpChanged || l.Dbf.DbfChanged || l.Img.ImgChanged || l.Img.WorldChanged;
 }
 
 bool Canceled(Session& s, int index, const std::string& op) {

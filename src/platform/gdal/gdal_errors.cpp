@@ -1,5 +1,7 @@
 #include "platform/gdal/gdal_errors.h"
 
+#include <cctype>
+
 #include <cpl_conv.h>
 #include <cpl_error.h>
 #include <gdal.h>
@@ -14,10 +16,10 @@ void CPL_STDCALL Collect(CPLErr level, CPLErrorNum, const char* msg) {
   if (catcher) catcher->Keep(msg);
 }
 
-bool LooksShort(const std::string& m) {
-  for (const char* word : {"Premature end", "Read error", "read error", "Unexpected end",
-                           "unexpected end", "truncated", "Truncated", "Not enough data",
-                           "short read", "end of file", "End of file", "EOF"})
+bool LooksShort(std::string m) {
+  for (char& c : m) c = char(std::tolower(static_cast<unsigned char>(c)));
+  for (const char* word : {"premature end", "read error", "unexpected end", "truncat",
+                           "not enough data", "short read", "end of file", "eof"})
     if (m.find(word) != std::string::npos) return true;
   return false;
 }

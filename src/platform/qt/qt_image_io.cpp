@@ -1,17 +1,57 @@
 #include "platform/qt/qt_image_io.h"
 
-#include <QFile>
 #include <QImageWriter>
+#include <cerrno>
 #include <cstring>
+#include <fcntl.h>
 #include <new>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include "platform/gdal/gdal_picture.h"
 #include "platform/memory_limit.h"
 #include "session/file_util.h"
+#include "session/safe_file.h"
 
 namespace velmora {
 
 namespace {
+
+// A file as the encoders' device, written straight through: every failed write is kept by
+// its errno, where a short write would leave a QFile without an error.
+class FdDevice : public QIODevice {
+public:
+  explicit FdDevice(int fd) : fd_(fd) {}
+  bool isSequential() const override { return false; }
+  qint64 size() const override {
+    struct stat st {};
+    return ::fstat(fd_, &st) == 0 ? qint64(st.st_size) : 0;
+  }
+  int Errno() const { return err_; }
+
+protected:
+  qint64 readData(char* data, qint64 max) override {
+    ssize_t n = ::pread(fd_, data, size_t(max), off_t(pos()));
+    return n < 0 ? -1 : qint64(n);
+  }
+  qint64 writeData(const char* data, qint64 len) override {
+    qint64 done = 0;
+    while (done < len) {
+      ssize_t n = ::pwrite(fd_, data + done, size_t(len - done), off_t(pos() + done));
+      if (n < 0 && errno == EINTR) continue;
+      if (n <= 0) {
+        if (!err_) err_ = n < 0 ? errno : ENOSPC;
+        return -1;
+      }
+      done += n;
+    }
+    return done;
+  }
+
+private:
+  int fd_;
+  int err_ = 0;
+};
 
 // A picture of width by height pixels, or a null image with `why` when memory can't hold it.
 QImage NewPicture(int width, int height, std::string& why) {
@@ -128,25 +168,26 @@ bool QtImageIO::Save(int handle, const std::string& path, const std::string& mim
     why = "no " + format.toUpper().toStdString() + " writer";
     return false;
   }
-  // Unbuffered, so that a write that fails (a full disk) fails the save and is not lost
-  // in a flush at close.
-  QFile file(QString::fromStdString(NativePath(path)));
-  if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Unbuffered)) {
-    why = file.errorString().toStdString();
+  int fd = ::open(NativePath(path).c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
+  if (fd < 0) {
+    why = ErrnoText(errno);
     return false;
   }
-  QImageWriter writer(&file, format);
+  FdDevice dev(fd);
+  dev.open(QIODevice::ReadWrite | QIODevice::Unbuffered);
+  QImageWriter writer(&dev, format);
   if (format == "jpeg") writer.setQuality(quality);
   bool ok = writer.write(*img);
   if (!ok) why = writer.errorString().toStdString();
-  if (ok && file.error() != QFileDevice::NoError) {
+  // The file's own error (a full disk, a size limit) says more than the encoder's.
+  if (dev.Errno()) {
     ok = false;
-    why = file.errorString().toStdString();
+    why = ErrnoText(dev.Errno());
   }
-  file.close();
-  if (ok && file.error() != QFileDevice::NoError) {
+  dev.close();
+  if (::close(fd) != 0 && ok) {
     ok = false;
-    why = file.errorString().toStdString();
+    why = ErrnoText(errno);
   }
   return ok;
 }
