@@ -163,6 +163,14 @@ struct Dir {
   }
 };
 
+// Sums and products of a lying directory stop at the largest number.
+uint64_t SatAdd(uint64_t a, uint64_t b) {
+  return a > UINT64_MAX - b ? UINT64_MAX : a + b;
+}
+uint64_t SatMul(uint64_t a, uint64_t b) {
+  return b != 0 && a > UINT64_MAX / b ? UINT64_MAX : a * b;
+}
+
 bool Usable(double v) {
   return std::isfinite(v);
 }
@@ -207,11 +215,11 @@ void ReadTiffDir(TiffState& t, File& f) {
   t.TiffBigTiff = o.big;
   uint64_t dir = o.big ? o.U64(hdr + 8) : o.U32(hdr + 4);
   const uint64_t countSize = o.big ? 8 : 2, entrySize = o.big ? 20 : 12;
-  t.TiffDataEnd = dir + countSize;
+  t.TiffDataEnd = SatAdd(dir, countSize);
   uint8_t cnt[8];
   if (dir > f.size || !f.ReadAt(dir, cnt, countSize)) return;
   uint64_t n = o.big ? o.U64(cnt) : o.U16(cnt);
-  t.TiffDataEnd = std::max(t.TiffDataEnd, dir + countSize + n * entrySize);
+  t.TiffDataEnd = std::max(t.TiffDataEnd, SatAdd(dir + countSize, SatMul(n, entrySize)));
   Dir d{f, o};
   bool tie = false, scale = false, matrix = false;
   double m[16] = {};
@@ -314,7 +322,7 @@ void ReadTiffDir(TiffState& t, File& f) {
   Placement(t, tie, scale, matrix, m);
   for (size_t k = 0; k < t.TiffStrips.size() && k < t.TiffStripBytes.size(); ++k)
     if (t.TiffStripBytes[k] > 0)
-      t.TiffDataEnd = std::max(t.TiffDataEnd, t.TiffStrips[k] + t.TiffStripBytes[k]);
+      t.TiffDataEnd = std::max(t.TiffDataEnd, SatAdd(t.TiffStrips[k], t.TiffStripBytes[k]));
   t.TiffBytesPerPixel = uint8_t(t.TiffBits / 8 * t.TiffSamples);
 }
 
