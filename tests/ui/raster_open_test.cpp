@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QImage>
+#include <algorithm>
 #include <cmath>
 #include <csignal>
 #include <filesystem>
@@ -11,6 +12,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "coords/convert_lyr.h"
 #include "platform/qt/qt_image_io.h"
 #include "qt_app.h"
 #include "session/file_util.h"
@@ -27,7 +29,9 @@ namespace {
 
 struct PictureHost : test::RecordingHost {
   QtImageIO images;
+  std::vector<std::pair<long long, long long>> progress;
   ImageIO* Images() override { return &images; }
+  void Progress(long long value, long long max) override { progress.push_back({value, max}); }
 };
 
 const QColor kRed(255, 0, 0), kBlue(0, 0, 255), kGreen(0, 160, 0), kYellow(255, 255, 0);
@@ -371,6 +375,25 @@ TEST_F(RasterOpen, UnRectifyGoesBackToThePlaceTheWorldFileGaveAtOpen) {
   ExpectExtent(n, 1000, 2000, 1040, 1980);
   UnRectifyImage(s, n);
   ExpectExtent(n, 100, 500, 500, 300);
+}
+
+TEST_F(RasterOpen, ConvertingAPictureShowsItsProgressFromNoneToAHundred) {
+  std::string png = Translate(Rgb(), "deg.png", "-of PNG");
+  ASSERT_TRUE(WriteWorldFile(png, 8.5, 45.5, 9.5, 45.0, 40, 20));
+  int n = Open(png);
+  ASSERT_GT(n, 0);
+  host.progress.clear();
+  ConvertCoordsArgs a;
+  a.Lyr = n, a.Datum = 23, a.Dir = CoordDir::GeoToGrid, a.ZoneText = "32";
+  ASSERT_EQ(ConvertCoordsCmd(s, a), ConvertStatus::Converted);
+  std::vector<long long> shown;
+  for (auto [value, max] : host.progress)
+    if (max == 100) shown.push_back(value);
+  ASSERT_FALSE(shown.empty());
+  EXPECT_EQ(shown.front(), 0);
+  EXPECT_EQ(shown.back(), 100);
+  EXPECT_TRUE(std::is_sorted(shown.begin(), shown.end()));
+  EXPECT_EQ(host.progress.back(), (std::pair<long long, long long>{0, 0})); // hidden at the end
 }
 
 TEST_F(RasterOpen, SavesReplaceThePictureAndWorldFileWholeOrNotAtAll) {
