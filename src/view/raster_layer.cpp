@@ -122,6 +122,9 @@ void OpenImage(Session& s, int n, const std::string& path) {
     s.Lyr[n].Img.ImgOpen = 0;
   };
   if (!io) return fail("no picture decoder");
+  // A reload or a save as opens the row again: its old picture goes first.
+  if (l.Img.ImgPic) io->Free(l.Img.ImgPic);
+  l.Img.ImgPic = 0;
   std::string why;
   std::string ext = ExtOf(path);
   if (ext != "tif" && ext != "tiff") {
@@ -248,7 +251,8 @@ void RectifyImage(Session& s, int n) {
   }
   RebuildImgFrame(s, n);
   // Without control points the picture lies in its own pixels: no world file says so.
-  if (count > 0) SaveWorld(s, n, s.Lyr[n].Fsource);
+  // A world file that can't be written now is written by the next save, which says why.
+  if (count > 0 && !SaveWorld(s, n, s.Lyr[n].Fsource)) s.Lyr[n].Img.WorldChanged = -1;
   rf.Finish(false);
 }
 
@@ -296,7 +300,8 @@ void AutoBalanceImage(Session& s, int n) {
 namespace {
 
 bool PictureExt(const std::string& ext) {
-  return ext == "gif" || ext == "jpg" || ext == "png" || ext == "tif";
+  return ext == "gif" || ext == "jpg" || ext == "jpeg" || ext == "png" || ext == "tif" ||
+         ext == "tiff";
 }
 
 // A picture placed only in its own pixels has no world file to write.
@@ -320,10 +325,10 @@ bool WriteImageFiles(Session& s, int n, const std::string& path, bool picture, b
   SafeFileSet set;
   if (picture) {
     int fd = set.Open(target);
-    std::string mime = ext == "jpg"      ? "image/jpeg"
-                       : ext == "tif"    ? "image/tiff"
-                       : PictureExt(ext) ? "image/" + ext
-                                         : "image/bmp";
+    std::string mime = ext == "jpg" || ext == "jpeg"   ? "image/jpeg"
+                       : ext == "tif" || ext == "tiff" ? "image/tiff"
+                       : PictureExt(ext)               ? "image/" + ext
+                                                       : "image/bmp";
     std::string why;
     if (fd >= 0 && !io->Save(l.Img.ImgPic, set.TempPath(fd), mime, 100, why))
       set.Fail(target + ": " + why);
