@@ -46,7 +46,7 @@ bool NoDataOf(GDALRasterBandH b, double& v) {
   return has != 0;
 }
 
-bool Plan(GDALDatasetH ds, BandPlan& p, std::string& why) {
+void Plan(GDALDatasetH ds, BandPlan& p) {
   const int count = GDALGetRasterCount(ds);
   GDALRasterBandH first = GDALGetRasterBand(ds, 1);
   p.alpha = BandOf(ds, GCI_AlphaBand);
@@ -68,7 +68,7 @@ bool Plan(GDALDatasetH ds, BandPlan& p, std::string& why) {
     double nd = 0;
     if (NoDataOf(first, nd) && nd >= 0 && nd < double(p.palette.size()))
       p.palette[size_t(nd)][3] = 0; // the transparent index shows the paper
-    return true;
+    return;
   }
   if (count >= 3) {
     GDALRasterBandH r = BandOf(ds, GCI_RedBand), g = BandOf(ds, GCI_GreenBand),
@@ -91,7 +91,7 @@ bool Plan(GDALDatasetH ds, BandPlan& p, std::string& why) {
       int top = (1 << bits) - 1;
       for (int v = 0; v < 256; ++v) p.lut[c][v] = uint8_t(std::min(255, v * 255 / top));
     }
-    return true;
+    return;
   }
   p.kind = BandPlan::Kind::Ramp;
   bool any = false;
@@ -104,12 +104,8 @@ bool Plan(GDALDatasetH ds, BandPlan& p, std::string& why) {
     p.hi = any ? std::max(p.hi, mm[1]) : mm[1];
     any = true;
   }
-  if (!any) {
-    // A band of no-data values only reads as white; a read error says so itself.
-    p.lo = p.hi = 0;
-  }
-  (void)why;
-  return true;
+  // A band of no-data values only reads as white; a read error says so itself.
+  if (!any) p.lo = p.hi = 0;
 }
 
 // Rows of the picture read at one time: whole blocks of the file, about 16 MB of samples.
@@ -223,7 +219,7 @@ bool DecodeRgb(GDALDatasetH ds, uint8_t* dst, size_t stride, std::string& why) {
     why = "no pixels";
     return false;
   }
-  if (!Plan(ds, p, why)) return false;
+  Plan(ds, p);
   const int W = GDALGetRasterXSize(ds), H = GDALGetRasterYSize(ds);
   size_t sample = p.kind == BandPlan::Kind::Ramp ? 8 : p.kind == BandPlan::Kind::Palette ? 2 : 3;
   const int chunk = ChunkRows(ds, p.rgb[0], size_t(W) * sample);

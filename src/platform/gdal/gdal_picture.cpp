@@ -10,6 +10,11 @@ namespace velmora {
 
 namespace {
 
+bool Exists(const std::string& path) {
+  VSIStatBufL st;
+  return VSIStatL(path.c_str(), &st) == 0;
+}
+
 uint64_t FileSize(const std::string& path) {
   VSIStatBufL st;
   return VSIStatL(path.c_str(), &st) == 0 ? uint64_t(st.st_size) : 0;
@@ -27,7 +32,7 @@ bool GdalPicture::Open(const std::string& path, std::string& why) {
   path_ = path;
   uint64_t size = FileSize(path);
   if (size == 0) {
-    why = VSIStatL(path.c_str(), nullptr) == 0 ? "empty file" : "file not found";
+    why = Exists(path) ? "empty file" : "file not found";
     return false;
   }
   GDALDatasetH ds =
