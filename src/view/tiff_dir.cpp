@@ -106,6 +106,7 @@ struct Dir {
     if (each == 0 || e.count > limit / each || e.count > f.size / each) return false;
     uint64_t n = e.count * each;
     out.resize(n);
+    if (n == 0) return true;
     if (n <= o.OffsetSize()) {
       std::memcpy(out.data(), e.value, n);
       return true;
