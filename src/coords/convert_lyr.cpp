@@ -1,5 +1,6 @@
 #include "coords/convert_lyr.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 
@@ -63,7 +64,11 @@ bool ConvertLyrCoords(Session& s, int lyr, int srcDatum, int dstDatum, int zone,
     ConvertShpCoords(s, lyr, c, rf);
     done = true;
   } else if (s.Lyr[lyr].LyrKind == 2) {
-    done = ConvertImgCoords(s, lyr, c, [&rf](int row) { return rf.Step(row, row + 1); });
+    // Progress in hundredths of the picture's rows.
+    const long long rows = std::max(1, s.Lyr[lyr].Img.ImgHeight);
+    s.host->Progress(0, 100);
+    done = ConvertImgCoords(s, lyr, c,
+                            [&rf, rows](int row) { return rf.Step((row + 1) * 100 / rows, 100); });
   }
   rf.Finish(false);
   if (!done) return false;

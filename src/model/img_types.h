@@ -18,13 +18,15 @@ struct ImgBlock {
   int16_t ImgChanged = 0;
 };
 
-// The session's TIFF reader state, overwritten by each read.
+// The session's TIFF reader state, overwritten by each read. Offsets are 64-bit, as a
+// BigTIFF's are; a tiled file's tiles stand in the strip arrays.
 struct TiffState {
   int16_t TiffErr = 0;
-  int16_t TiffHasGeo = 0;
+  int16_t TiffHasGeo = 0; // -1 when a tie point and a usable pixel scale were read
   int32_t TiffWidth = 0, TiffHeight = 0, TiffBits = 0, TiffCompression = 0;
   int32_t TiffPhotometric = 0, TiffFillOrder = 0;
-  std::vector<uint32_t> TiffStrips{0}, TiffStripBytes{0};
+  std::vector<uint64_t> TiffStrips{0}, TiffStripBytes{0};
+  int32_t TiffTileWidth = 0, TiffTileLength = 0;
   int32_t TiffStripCount = 0, TiffSamples = 0, TiffRowsPerStrip = 0, TiffResUnit = 0;
   std::string TiffSoftware, TiffDateTime, TiffDocName, TiffDescription;
   int32_t TiffSampleFormat = 0, TiffOrientation = 0, TiffPlanar = 0;
@@ -33,6 +35,9 @@ struct TiffState {
   double TiffTie[6] = {0, 0, 0, 0, 0, 0};
   std::vector<uint16_t> TiffGeoKeys;
   uint8_t TiffBytesPerPixel = 0;
+  bool TiffBigEndian = false, TiffBigTiff = false;
+  uint64_t TiffFileSize = 0;
+  uint64_t TiffDataEnd = 0; // the furthest byte the directory and the pixel data claim
 };
 
 } // namespace velmora

@@ -31,7 +31,7 @@ struct Session {
   std::string ProjFile;
   int16_t ProjChanged = 0;
   int16_t LyrErr = 0;     // 0 good, 1 failed, 2 the file is a frame file
-  std::string LyrErrText; // why the last open failed, for the log line under its refusal
+  std::string LyrErrText; // why the last open or save of a layer failed: the log's second line
   std::string LastDir;
   std::string ProgramDir;
   double ProjVersion = 0;

@@ -42,7 +42,8 @@ bool IsPointKind(int t) {
 }
 
 bool HasChanges(const LyrRec& l) {
-  return l.Shp.ShpChanged || l.Dbf.DbfChanged;
+  // An edited picture or a moved one is a change to save like any other.
+  return l.Shp.ShpChanged || l.Dbf.DbfChanged || l.Img.ImgChanged || l.Img.WorldChanged;
 }
 
 // Opens the shape file of a row and its attribute side.
@@ -122,8 +123,7 @@ void OpenLyrFile(Session& s, int index, const std::string& path) {
   std::string ext = ExtOf(path);
   if (ext == "shp" || ext == "tmp") {
     OpenShapeRow(s, index, path);
-  } else if (ext == "jpg" || ext == "gif" || ext == "bmp" ||
-             ((ext == "tif" || ext == "png") && s.GdipReady)) {
+  } else if (IsImageExt(ext) && (s.GdipReady || !(ext == "tif" || ext == "png"))) {
     OpenImageRow(s, index, path);
   } else {
     s.Lyr[index].LyrKind = 0; // quietly no layer
@@ -155,6 +155,7 @@ void AddShape(Session& s, const std::string& pathIn, bool readOnly) {
   if (!FileExists(path)) return;
   WaitCursor(s);
   int before = s.LyrCount;
+  s.LyrErrText.clear();
   NewLyrRow(s, path);
   if (s.LyrErr == 2) {
     LogMsg(s, " *** Add Layer " + path +

@@ -48,13 +48,10 @@ void SaveRow(Session& s, int index, bool all) {
     s.LyrErr = ok ? 0 : 1;
   }
   LyrRec& l = s.Lyr[index];
-  if (ok && l.Img.ImgChanged) {
-    ok = SaveImage(s, index, l.Fsource);
-    if (ok) l.Img.ImgChanged = 0;
-  }
-  if (ok && l.Img.WorldChanged) {
-    SaveWorld(s, index, l.Fsource);
-    l.Img.WorldChanged = 0;
+  s.LyrErrText.clear();
+  if (ok && !SaveImageChanges(s, index)) {
+    ok = false;
+    why = s.LyrErrText;
   }
   LyrLock(s, index, false, "");
   l.SaveErr = ok ? "" : why.empty() ? std::string("write error") : why;
@@ -113,7 +110,7 @@ void SaveLyrAs(Session& s, int index, const std::string& pathIn) {
     }
     DropOldCompanions(path, table, cpg);
   } else if (!SaveImageAs(s, index, path)) {
-    LogMsg(s, " *** Save Layer As has been canceled *** ");
+    LogCanceled(s, "Save Layer As", s.LyrErrText);
     LyrLock(s, index, false, "");
     return;
   }

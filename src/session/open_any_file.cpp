@@ -5,6 +5,7 @@
 #include "session/commands.h"
 #include "session/layer_life.h"
 #include "session/project.h"
+#include "view/raster_layer.h"
 
 namespace velmora {
 
@@ -17,7 +18,7 @@ void OpenAnyFile(Session& s, const std::string& given) {
 
   if (ext == "qmt") {
     if (ConfirmCloseProject(s)) LoadProject(s, path);
-  } else if (ext == "shp" || ext == "jpg" || ext == "gif" || ext == "bmp") {
+  } else if (ext == "shp" || (IsImageExt(ext) && ext != "tif" && ext != "png")) {
     AddShape(s, path, false);
   } else if (ext == "dbf" || ext == "shx") {
     AddShape(s, CompanionPath(path, "shp"), false);

@@ -8,6 +8,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QShowEvent>
 #include <QVBoxLayout>
 
 #include "coords/convert_lyr.h"
@@ -182,6 +183,11 @@ void CoordsConvertDialog::Start(CoordDir dir) {
     break;
   }
   LayerChosen();
+}
+
+void CoordsConvertDialog::showEvent(QShowEvent* e) {
+  if (!running_) FillLayers();
+  QDialog::showEvent(e);
 }
 
 void CoordsConvertDialog::closeEvent(QCloseEvent* e) {

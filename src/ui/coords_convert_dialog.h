@@ -24,6 +24,8 @@ public:
 
 protected:
   void closeEvent(QCloseEvent* e) override;
+  // The list shows the layers as they are each time the form is shown.
+  void showEvent(QShowEvent* e) override;
 
 private:
   struct Frame {

@@ -5,6 +5,8 @@
 #include "frame/busy.h"
 #include "frame/lyr_slots.h"
 #include "model/file_util.h"
+#include "model/safe_file.h"
+#include "platform/memory_limit.h"
 #include "store/dbf_store.h"
 #include "store/shp_store.h"
 #include "view/tiff_dir.h"
@@ -102,28 +104,48 @@ void ApplyTiffGeo(Session& s, int n) {
   im.WorldBottom = im.WorldTop - t.TiffHeight * t.TiffScale[1];
 }
 
+bool IsImageExt(const std::string& ext) {
+  for (const char* e : {"tif", "tiff", "jpg", "jpeg", "png", "gif", "bmp", "jp2", "j2k", "jpx",
+                        "webp", "img", "pnm", "pgm", "ppm"})
+    if (ext == e) return true;
+  return false;
+}
+
 void OpenImage(Session& s, int n, const std::string& path) {
   s.LyrErr = 0;
+  s.LyrErrText.clear();
   LyrRec& l = s.Lyr[n];
   l.Img.HasWorld = 0;
   ImageIO* io = Images(s);
-  auto fail = [&] {
+  auto fail = [&](const std::string& why) {
     s.LyrErr = 1;
+    s.LyrErrText = why;
     s.Lyr[n].Img.ImgOpen = 0;
   };
-  if (!io) return fail();
-  if (ExtOf(path) != "tif") {
-    l.Img.ImgPic = io->Load(path);
-    if (!l.Img.ImgPic) return fail();
+  if (!io) return fail("no picture decoder");
+  // A reload or a save as opens the row again: its old picture goes first.
+  if (l.Img.ImgPic) io->Free(l.Img.ImgPic);
+  l.Img.ImgPic = 0;
+  std::string why;
+  std::string ext = ExtOf(path);
+  if (ext != "tif" && ext != "tiff") {
+    l.Img.ImgPic = io->Load(path, why);
+    if (!l.Img.ImgPic) return fail(why);
   } else {
     ReadTiffTags(s, path);
-    bool idl = s.Tiff.TiffSoftware.find("IDL") != std::string::npos;
-    if (!idl) l.Img.ImgPic = io->Load(path);
+    l.Img.ImgPic = io->Load(path, why);
     if (!l.Img.ImgPic) {
+      // What the directory tells is the clearer reason; a single-band integer picture of
+      // uncompressed strips may still be read by hand.
+      std::string problem = TiffProblem(s.Tiff);
+      TiffState tags = s.Tiff;
       DibBits bits;
-      if (!ReadIdlTiffBits(s, path, bits)) return fail();
+      if (!problem.empty() || !ReadIdlTiffBits(s, path, bits))
+        return fail(problem.empty() ? why : problem);
+      s.Tiff = tags;
       l.Img.ImgPic = io->FromBits(bits);
-      if (!l.Img.ImgPic) return fail();
+      if (!l.Img.ImgPic)
+        return fail(MemoryRefusal(DibBytes(bits.Width, bits.Height), bits.Width, bits.Height));
     }
     if (s.Tiff.TiffHasGeo) ApplyTiffGeo(s, n);
   }
@@ -131,8 +153,14 @@ void OpenImage(Session& s, int n, const std::string& path) {
   l.Img.ImgHeight = io->Height(l.Img.ImgPic);
   ReadWorldFile(s, path, l.Img.WorldLeft, l.Img.WorldTop, l.Img.WorldRight, l.Img.WorldBottom,
                 l.Img.ImgWidth, l.Img.ImgHeight, l.Img.HasWorld);
+  if (!l.Img.HasWorld) {
+    // Placed in the picture's own pixels: the extent UnRectify returns to.
+    l.Img.WorldLeft = 0, l.Img.WorldTop = 0;
+    l.Img.WorldRight = l.Img.ImgWidth, l.Img.WorldBottom = -l.Img.ImgHeight;
+  }
   OpenImgFrame(s, n, path);
-  if (s.Lyr[n].LyrKind == 0) return fail();
+  if (s.Lyr[n].LyrKind == 0)
+    return fail("its frame " + ChangeExt(path, "shp") + " can't be opened");
   s.Lyr[n].Fsource = path;
   RebuildImgFrame(s, n);
   if (s.Lyr[n].Img.HasWorld)
@@ -223,7 +251,9 @@ void RectifyImage(Session& s, int n) {
     }
   }
   RebuildImgFrame(s, n);
-  SaveWorld(s, n, s.Lyr[n].Fsource);
+  // Without control points the picture lies in its own pixels: no world file says so.
+  // A world file that can't be written now is written by the next save, which says why.
+  if (count > 0 && !SaveWorld(s, n, s.Lyr[n].Fsource)) s.Lyr[n].Img.WorldChanged = -1;
   rf.Finish(false);
 }
 
@@ -268,35 +298,87 @@ void AutoBalanceImage(Session& s, int n) {
   s.Lyr[n].Img.ImgChanged = -1;
 }
 
-bool SaveImage(Session& s, int n, const std::string& path) {
+namespace {
+
+bool PictureExt(const std::string& ext) {
+  return ext == "gif" || ext == "jpg" || ext == "jpeg" || ext == "png" || ext == "tif" ||
+         ext == "tiff";
+}
+
+// A picture placed only in its own pixels has no world file to write.
+bool PixelPlaced(const LyrRec& l) {
+  return l.Img.HasWorld == 0 && l.Img.ImgRectified == 0 && l.Img.WorldChanged == 0;
+}
+
+// Writes the picture (at `path`, or beside it as "bmp" for other extensions) and its world
+// file as one step: both new files complete and flushed before either replaces an old one.
+bool WriteImageFiles(Session& s, int n, const std::string& path, bool picture, bool world) {
   LyrRec& l = s.Lyr[n];
   ImageIO* io = Images(s);
-  if (l.Shp.ShpType != 99 || !io) return false;
-  std::string ext = ExtOf(path);
-  if (ext == "gif" || ext == "jpg" || ext == "png" || ext == "tif") {
-    std::string mime = ext == "jpg" ? "image/jpeg" : ext == "tif" ? "image/tiff" : "image/" + ext;
-    return io->Save(l.Img.ImgPic, path, mime, 100);
+  s.LyrErrText.clear();
+  if (l.Shp.ShpType != 99 || !io) {
+    s.LyrErrText = "not an image layer";
+    return false;
   }
-  return io->Save(l.Img.ImgPic, ChangeExt(path, "bmp"), "image/bmp", 100);
+  std::string ext = ExtOf(path);
+  std::string target = PictureExt(ext) ? path : ChangeExt(path, "bmp");
+  world = world && !PixelPlaced(l) && l.Img.ImgWidth > 0 && l.Img.ImgHeight > 0;
+  SafeFileSet set;
+  if (picture) {
+    int fd = set.Open(target);
+    std::string mime = ext == "jpg" || ext == "jpeg"   ? "image/jpeg"
+                       : ext == "tif" || ext == "tiff" ? "image/tiff"
+                       : PictureExt(ext)               ? "image/" + ext
+                                                       : "image/bmp";
+    std::string why;
+    if (fd >= 0 && !io->Save(l.Img.ImgPic, set.TempPath(fd), mime, 100, why))
+      set.Fail(target + ": " + why);
+  }
+  if (world) {
+    int fd = set.Open(WorldFileName(target));
+    if (fd >= 0)
+      set.Write(fd, WorldFileText(LeftExtend(l), TopExtend(l), RightExtend(l), BottomExtend(l),
+                                  l.Img.ImgWidth, l.Img.ImgHeight));
+  }
+  if (!set.Commit()) {
+    s.LyrErrText = set.Error();
+    return false;
+  }
+  if (world) l.Img.HasWorld = -1;
+  return true;
+}
+
+} // namespace
+
+bool SaveImage(Session& s, int n, const std::string& path) {
+  return WriteImageFiles(s, n, path, true, false);
 }
 
 bool SaveImageAs(Session& s, int n, const std::string& path) {
-  bool ok = SaveImage(s, n, path);
-  std::string ext = ExtOf(path);
-  bool other = !(ext == "gif" || ext == "jpg" || ext == "png" || ext == "tif");
-  SaveWorld(s, n, other ? ChangeExt(path, "bmp") : path);
-  return ok;
+  return WriteImageFiles(s, n, path, true, true);
 }
 
-void SaveWorld(Session& s, int n, const std::string& path) {
+bool SaveImageChanges(Session& s, int n) {
   LyrRec& l = s.Lyr[n];
-  if (l.Shp.ShpType != 99 || l.Img.ImgWidth <= 0 || l.Img.ImgHeight <= 0) return;
-  WriteWorldFile(path, LeftExtend(l), TopExtend(l), RightExtend(l), BottomExtend(l), l.Img.ImgWidth,
-                 l.Img.ImgHeight);
-  // The world values are known from now on: they are the ones just written.
+  bool picture = l.Img.ImgChanged != 0, world = l.Img.WorldChanged != 0;
+  if (!picture && !world) return true;
+  if (!WriteImageFiles(s, n, l.Fsource, picture, world)) return false;
+  l.Img.ImgChanged = 0;
+  l.Img.WorldChanged = 0;
+  return true;
+}
+
+bool SaveWorld(Session& s, int n, const std::string& path) {
+  LyrRec& l = s.Lyr[n];
+  s.LyrErrText.clear();
+  if (l.Shp.ShpType != 99 || l.Img.ImgWidth <= 0 || l.Img.ImgHeight <= 0) return false;
+  if (PixelPlaced(l)) return true;
+  if (!WriteWorldFile(path, LeftExtend(l), TopExtend(l), RightExtend(l), BottomExtend(l),
+                      l.Img.ImgWidth, l.Img.ImgHeight, &s.LyrErrText))
+    return false;
+  // The world values stay those found at open: UnRectify goes back to them.
   l.Img.HasWorld = -1;
-  l.Img.WorldLeft = LeftExtend(l), l.Img.WorldTop = TopExtend(l);
-  l.Img.WorldRight = RightExtend(l), l.Img.WorldBottom = BottomExtend(l);
+  return true;
 }
 
 void UpdateControlPt(Session& s, int n, int rec) {

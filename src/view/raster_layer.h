@@ -9,7 +9,10 @@ namespace velmora {
 // Image layers: a picture placed by its world file, tie points or control points, with a
 // frame (a type 99 shape file of the picture's name) whose table holds the control points.
 
-// Opens the picture and its frame into row n; LyrErr 0 or 1.
+// Is this extension (lower case) one of a picture that opens as an image layer?
+bool IsImageExt(const std::string& ext);
+// Opens the picture and its frame into row n; LyrErr 0 or 1, with LyrErrText saying why.
+// A picture that neither its world file nor its tags place lies in its own pixels.
 void OpenImage(Session& s, int n, const std::string& path);
 // Opens or makes the frame and its control-point table.
 void OpenImgFrame(Session& s, int n, const std::string& path);
@@ -27,9 +30,15 @@ void ScaleImageAbout(Session& s, int n, double ax, double ay, double bx, double 
 void AutoBalanceImage(Session& s, int n);
 // Histogram equalisation of the pixels, black turned white first.
 void AutoBalanceBits(DibBits& bits);
+// Saves write new files beside the old ones and replace them only when complete; false
+// with LyrErrText saying why, the old files untouched. A picture placed only in its own
+// pixels never gets a world file.
 bool SaveImage(Session& s, int n, const std::string& path);
+// The picture and its world file at `path` (a "bmp" beside it for other extensions).
 bool SaveImageAs(Session& s, int n, const std::string& path);
-void SaveWorld(Session& s, int n, const std::string& path);
+// The edited picture and the changed world file of the layer, in one step.
+bool SaveImageChanges(Session& s, int n);
+bool SaveWorld(Session& s, int n, const std::string& path);
 // The control point of a table row (fields 2 to 5, in the buffer) moves the vertices of
 // its record of the frame: source first, destination second.
 void ControlPtFromRow(Session& s, int n, int row);

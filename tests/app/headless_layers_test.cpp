@@ -91,6 +91,31 @@ TEST(HeadlessLayers, RenderDrawsTheFullExtentIntoAnImage) {
   EXPECT_EQ(st, 2);
 }
 
+TEST(HeadlessLayers, AGeoTiffIsDrawnAndACutOneRefusedWithItsReason) {
+  std::string dir = TempDir("picture");
+  int st = -1;
+  RunCmd("gdal_create -q -of GTiff -outsize 256 256 -bands 3 -burn 0 -burn 0 -burn 255 "
+         "-a_ullr 0 256 256 0 -co TILED=YES -co COMPRESS=JPEG " +
+             Quote(dir + "blue.tif") + " 2>&1",
+         &st);
+  ASSERT_EQ(st, 0);
+  Velmora("--render " + Quote(dir + "map.png") + " --size 100x100 " + Quote(dir + "blue.tif"), &st);
+  EXPECT_EQ(st, 0);
+  QImage map(QString::fromStdString(dir + "map.png"));
+  ASSERT_FALSE(map.isNull());
+  QColor c = map.pixelColor(50, 50);
+  EXPECT_LT(c.red(), 30);
+  EXPECT_GT(c.blue(), 225);
+
+  std::string bytes = ReadFile(dir + "blue.tif");
+  WriteFile(dir + "cut.tif", bytes.substr(0, bytes.size() - 100));
+  std::vector<std::string> lines = Lines(Velmora("--headless " + Quote(dir + "cut.tif"), &st));
+  ASSERT_EQ(lines.size(), 2u);
+  EXPECT_EQ(lines[0], " *** Add Layer " + dir + "cut.tif has been canceled *** ");
+  EXPECT_EQ(lines[1].rfind("truncated at byte " + std::to_string(bytes.size() - 100), 0), 0u)
+      << lines[1];
+}
+
 TEST(HeadlessLayers, TransformFilterAnswersLineByLine) {
   std::string dir = TempDir("transform");
   WriteFile(dir + "in.txt", "45 9\nnot numbers\n-33.9 18.4\n");

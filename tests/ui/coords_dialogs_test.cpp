@@ -66,6 +66,28 @@ TEST_F(ConvertDialogTest, BadZonesShowErrorAndStartNothing) {
                                 "to World Geodetic System 1984 (WGS 84)");
 }
 
+TEST_F(ConvertDialogTest, ListsTheLayersAsTheyAreWhenShown) {
+  CoordsConvertDialog d(s, nullptr);
+  auto* list = d.findChild<QComboBox*>("cmbLyr");
+  ASSERT_EQ(list->count(), 1);
+  // A layer added while the form is hidden is there when it shows again.
+  s.Lyr.Resize(2);
+  s.LyrCount = 2;
+  s.Lyr[2].LyrName = "roads";
+  s.Lyr[2].LyrKind = 1;
+  d.show();
+  ASSERT_EQ(list->count(), 2);
+  EXPECT_EQ(list->itemText(1), "roads");
+  d.hide();
+  s.Lyr[1].LyrName = "villages";
+  s.LyrCount = 1;
+  s.Lyr.Resize(1);
+  d.show();
+  ASSERT_EQ(list->count(), 1);
+  EXPECT_EQ(list->itemText(0), "villages");
+  d.hide();
+}
+
 TEST(CoordsDialogTest, ListsAndUnits) {
   EnsureApp();
   Session s;

@@ -264,9 +264,11 @@ TEST_F(Render, TwoControlPointsRectifyAndTheWorldFileFollows) {
   std::string png = GdalPicture(dir, "c.png", "-of PNG");
   AddShape(s, png, false);
   ASSERT_EQ(s.LyrCount, 1);
-  // Unplaced: the picture's pixels below and right of the origin.
+  // Unplaced: the picture's pixels below and right of the origin, and no world file of
+  // pixel units beside the user's picture.
   EXPECT_DOUBLE_EQ(RightExtend(s.Lyr[1]), 40);
   EXPECT_DOUBLE_EQ(BottomExtend(s.Lyr[1]), -20);
+  EXPECT_FALSE(FileExists(dir + "c.pgw"));
   // Two control points as rows of the frame's table and records of the frame.
   for (auto [sx, sy, dx, dy] : {std::array<double, 4>{0, 0, 500, 300}, {40, -20, 900, 100}}) {
     // The row first: a blank row written to the table moves its point to the origin.
@@ -294,9 +296,13 @@ TEST_F(Render, TwoControlPointsRectifyAndTheWorldFileFollows) {
   EXPECT_DOUBLE_EQ(l, 500);
   EXPECT_DOUBLE_EQ(b, 100);
 
+  // Back to where the picture lay at open: its own pixels.
   UnRectifyImage(s, 1);
   EXPECT_EQ(s.Lyr[1].Img.ImgRectified, 0);
-  EXPECT_DOUBLE_EQ(LeftExtend(s.Lyr[1]), 500); // the world file written by the rectify
+  EXPECT_DOUBLE_EQ(LeftExtend(s.Lyr[1]), 0);
+  EXPECT_DOUBLE_EQ(TopExtend(s.Lyr[1]), 0);
+  EXPECT_DOUBLE_EQ(RightExtend(s.Lyr[1]), 40);
+  EXPECT_DOUBLE_EQ(BottomExtend(s.Lyr[1]), -20);
 }
 
 TEST_F(Render, AnImageLayerMovesToAGridWithOnlyItsOwnColoursOrWhite) {

@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <clocale>
+#include <cstdio>
+
 #include "model/file_util.h"
 #include "test_support.h"
 #include "view/raster_layer.h"
@@ -48,6 +51,56 @@ TEST(WorldFile, WriteThenReadGivesTheSameExtentAndSignsDoNotMatter) {
   found = 7;
   ReadWorldFile(s, dir + "none.png", l2, t2, r2, b2, 1, 1, found);
   EXPECT_EQ(found, 7);
+}
+
+// A world file is the same under a comma-decimal locale as under C, both ways.
+TEST(WorldFile, TheLocaleChangesNothing) {
+  Session s;
+  std::string dir = TempDir("worldlocale");
+  ASSERT_TRUE(
+      WriteWorldFile(dir + "c.png", 512345.25, 5012345.75, 522345.25, 5002345.75, 4000, 4000));
+  const std::string c = velmora::test::ReadFile(dir + "c.pgw");
+  std::string old = std::setlocale(LC_ALL, nullptr);
+  ASSERT_NE(std::setlocale(LC_ALL, "de_DE.UTF-8"), nullptr) << "the German locale is missing";
+  char buf[16];
+  std::snprintf(buf, sizeof buf, "%.1f", 0.5);
+  EXPECT_STREQ(buf, "0,5"); // the C library now writes commas
+  ASSERT_TRUE(
+      WriteWorldFile(dir + "de.png", 512345.25, 5012345.75, 522345.25, 5002345.75, 4000, 4000));
+  const std::string de = velmora::test::ReadFile(dir + "de.pgw");
+  double l = 0, t = 0, r = 0, b = 0;
+  int16_t found = 0;
+  ReadWorldFile(s, dir + "c.png", l, t, r, b, 4000, 4000, found);
+  std::setlocale(LC_ALL, old.c_str());
+  EXPECT_EQ(de, c);
+  EXPECT_EQ(c, "2.5000000000000\r\n0\r\n0\r\n-2.5000000000000\r\n512346.5000000000000\r\n"
+               "5012347.0000000000000\r\n");
+  EXPECT_EQ(found, -1);
+  EXPECT_DOUBLE_EQ(l, 512345.25);
+  EXPECT_DOUBLE_EQ(t, 5012345.75);
+  EXPECT_DOUBLE_EQ(r, 522345.25);
+  EXPECT_DOUBLE_EQ(b, 5002345.75);
+}
+
+TEST(WorldFile, NumbersThatCannotPlaceThePictureAreNoWorldFile) {
+  Session s;
+  std::string dir = TempDir("worldbad");
+  double l = 1, t = 2, r = 3, b = 4;
+  int16_t found = 0;
+  for (const char* text : {"one\ntwo\n", "0\n0\n0\n-1\n100\n200\n", "1\n0\n0\n-1\n100\n",
+                           "1\n0\n0\n-1\n1e400\n200\n", "1\n0\n0\n-1\n100 m\n200\n"}) {
+    WriteFile(dir + "x.pgw", text);
+    ReadWorldFile(s, dir + "x.png", l, t, r, b, 10, 10, found);
+    EXPECT_EQ(found, 0) << text;
+    EXPECT_EQ(l, 1) << text;
+  }
+  // Blanks, a plus sign, and a comma written by a comma-decimal desktop still read.
+  WriteFile(dir + "x.pgw", " +0,5 \r\n0\r\n0\r\n-0,5\r\n  100,25\r\n200,25\r\n");
+  ReadWorldFile(s, dir + "x.png", l, t, r, b, 10, 10, found);
+  EXPECT_EQ(found, -1);
+  EXPECT_DOUBLE_EQ(l, 100);
+  EXPECT_DOUBLE_EQ(t, 200);
+  EXPECT_DOUBLE_EQ(r, 105);
 }
 
 namespace {
@@ -184,8 +237,91 @@ TEST(TiffBadInput, EmptyShortAndLyingFilesNeverCrash) {
   EXPECT_FALSE(ReadIdlTiffBits(s, dir + "lie.tif", bits));
   EXPECT_EQ(s.Tiff.TiffErr, 1);
 
-  // Big-endian files are not read: defaults.
+  // A big-endian header whose directory lies past the end: defaults, and the reason.
   WriteFile(dir + "mm.tif", std::string("MM\0*\0\0\0\x08", 8));
   ReadTiffTags(s, dir + "mm.tif");
   EXPECT_EQ(s.Tiff.TiffWidth, 0);
+  EXPECT_EQ(TiffProblem(s.Tiff), "truncated at byte 8, the picture needs 10 bytes");
+
+  // A BigTIFF header claiming 2^60 entries.
+  WriteFile(dir + "bt.tif", std::string("II+\0\x08\0\0\0\x10\0\0\0\0\0\0\0", 16) +
+                                std::string("\0\0\0\0\0\0\0\x10", 8) + std::string(40, '\x01'));
+  ReadTiffTags(s, dir + "bt.tif");
+  EXPECT_EQ(s.Tiff.TiffWidth, 0);
+  EXPECT_TRUE(s.Tiff.TiffBigTiff);
+  EXPECT_NE(TiffProblem(s.Tiff).find("truncated at byte 64"), std::string::npos);
+
+  // Not a TIFF at all: nothing to say.
+  WriteFile(dir + "txt.tif", "hello, world");
+  ReadTiffTags(s, dir + "txt.tif");
+  EXPECT_EQ(TiffProblem(s.Tiff), "");
+}
+
+// The directory of GDAL's TIFFs in both byte orders, classic and BigTIFF, in strips and
+// in tiles, reads the same.
+TEST_F(TiffFiles, EveryByteOrderAndBigTiffGiveTheSameDirectory) {
+  std::string plain = MakeTiff("ii.tif", "-a_srs EPSG:32633");
+  ReadTiffTags(s, plain);
+  const TiffState ii = s.Tiff;
+  EXPECT_FALSE(ii.TiffBigEndian);
+  EXPECT_FALSE(ii.TiffBigTiff);
+  EXPECT_EQ(ii.TiffDataEnd <= ii.TiffFileSize, true);
+  for (const char* co : {"-co ENDIANNESS=BIG", "-co BIGTIFF=YES",
+                         "-co BIGTIFF=YES -co ENDIANNESS=BIG -co COMPRESS=DEFLATE",
+                         "-co TILED=YES -co BLOCKXSIZE=16 -co BLOCKYSIZE=16 -co ENDIANNESS=BIG"}) {
+    SCOPED_TRACE(co);
+    std::string path = MakeTiff("other.tif", std::string("-a_srs EPSG:32633 ") + co);
+    ReadTiffTags(s, path);
+    const TiffState& t = s.Tiff;
+    EXPECT_EQ(t.TiffBigEndian, std::string(co).find("BIG") != std::string::npos &&
+                                   std::string(co).find("ENDIANNESS") != std::string::npos);
+    EXPECT_EQ(t.TiffBigTiff, std::string(co).find("BIGTIFF") != std::string::npos);
+    EXPECT_EQ(t.TiffWidth, 4);
+    EXPECT_EQ(t.TiffHeight, 3);
+    EXPECT_EQ(t.TiffBits, 16);
+    EXPECT_EQ(t.TiffSamples, 1);
+    EXPECT_EQ(t.TiffSampleFormat, ii.TiffSampleFormat);
+    EXPECT_EQ(t.TiffHasGeo, -1);
+    for (int k = 0; k < 6; ++k) EXPECT_DOUBLE_EQ(t.TiffTie[k], ii.TiffTie[k]);
+    for (int k = 0; k < 3; ++k) EXPECT_DOUBLE_EQ(t.TiffScale[k], ii.TiffScale[k]);
+    EXPECT_EQ(t.TiffGeoKeys, ii.TiffGeoKeys);
+    EXPECT_LE(t.TiffDataEnd, t.TiffFileSize);
+    EXPECT_GT(t.TiffStrips[0], 0u);
+    EXPECT_EQ(TiffProblem(t), "");
+  }
+  // The same file cut short: the strips reach past its end.
+  std::string bytes = velmora::test::ReadFile(plain);
+  ReadTiffTags(s, plain);
+  uint64_t firstStrip = s.Tiff.TiffStrips[0];
+  ASSERT_LT(firstStrip, bytes.size());
+  WriteFile(dir + "cut.tif", bytes.substr(0, firstStrip + 1));
+  ReadTiffTags(s, dir + "cut.tif");
+  EXPECT_EQ(TiffProblem(s.Tiff).rfind("truncated at byte " + std::to_string(firstStrip + 1), 0), 0u)
+      << TiffProblem(s.Tiff);
+}
+
+TEST_F(TiffFiles, TiePointsWithoutAPixelScaleDoNotPlaceThePicture) {
+  MakeTiff("plain.tif", "");
+  int st = 0;
+  RunCmd("gdal_translate -q -gcp 0 0 1000 2000 -gcp 4 0 1040 2000 -gcp 0 3 1000 1970 " + dir +
+             "plain.tif " + dir + "gcp.tif 2>&1",
+         &st);
+  ASSERT_EQ(st, 0);
+  std::string path = dir + "gcp.tif";
+  ReadTiffTags(s, path);
+  EXPECT_EQ(s.Tiff.TiffWidth, 4);
+  EXPECT_EQ(s.Tiff.TiffHasGeo, 0);
+}
+
+TEST_F(TiffFiles, IdlImagesReadTheSameInBothByteOrders) {
+  DibBits ii, mm;
+  ASSERT_TRUE(ReadIdlTiffBits(s, MakeTiff("ii.tif", "-mo TIFFTAG_SOFTWARE=IDL"), ii));
+  ASSERT_TRUE(
+      ReadIdlTiffBits(s, MakeTiff("mm.tif", "-mo TIFFTAG_SOFTWARE=IDL -co ENDIANNESS=BIG"), mm));
+  EXPECT_TRUE(s.Tiff.TiffBigEndian);
+  EXPECT_EQ(ii.Bits, mm.Bits);
+  // Compressed strips are not read by hand.
+  DibBits lzw;
+  EXPECT_FALSE(
+      ReadIdlTiffBits(s, MakeTiff("lzw.tif", "-mo TIFFTAG_SOFTWARE=IDL -co COMPRESS=LZW"), lzw));
 }

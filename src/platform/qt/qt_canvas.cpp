@@ -184,13 +184,20 @@ void QtCanvas::Text(int x, int y, double angle, const std::string& text, const s
 
 void QtCanvas::StretchImage(int handle, int x1, int y1, int x2, int y2) {
   const QImage* img = images_ ? images_->Get(handle) : nullptr;
-  if (!img || x1 == x2 || y1 == y2) return;
+  if (!img || img->isNull() || x1 == x2 || y1 == y2) return;
+  // Only the part of the picture that falls on the surface is stretched: a large picture
+  // seen close up costs no more than the surface.
+  const QRectF target(QPointF(std::min(x1, x2), std::min(y1, y2)),
+                      QPointF(std::max(x1, x2), std::max(y1, y2)));
+  const QRectF seen = target.intersected(QRectF(0, 0, image_.width(), image_.height()));
+  if (seen.isEmpty()) return;
+  const double kx = img->width() / target.width(), ky = img->height() / target.height();
+  const QRectF source((seen.left() - target.left()) * kx, (seen.top() - target.top()) * ky,
+                      seen.width() * kx, seen.height() * ky);
   p_->save();
   p_->setCompositionMode(QPainter::CompositionMode_SourceOver);
   p_->setRenderHint(QPainter::SmoothPixmapTransform, true); // half-tone stretching
-  p_->drawImage(QRect(QPoint(std::min(x1, x2), std::min(y1, y2)),
-                      QPoint(std::max(x1, x2) - 1, std::max(y1, y2) - 1)),
-                *img);
+  p_->drawImage(seen, *img, source);
   p_->restore();
 }
 

@@ -1,5 +1,7 @@
 #include "platform/qt/qt_host.h"
 
+#include "platform/gdal/gdal_picture.h"
+
 #include <QApplication>
 #include <QCoreApplication>
 #include <QDesktopServices>
@@ -28,8 +30,7 @@ QString QtFilter(const std::string& filter) {
 }
 
 bool ImageCodecsReady() {
-  const QList<QByteArray> formats = QImageReader::supportedImageFormats();
-  return formats.contains("tiff") && formats.contains("png");
+  return GdalCodecsReady();
 }
 
 void QtHost::Yield() {
