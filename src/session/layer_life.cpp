@@ -8,6 +8,7 @@
 #include "session/busy.h"
 #include "session/file_util.h"
 #include "session/log.h"
+#include "session/lyr_files.h"
 #include "session/lyr_slots.h"
 #include "session/project.h"
 #include "session/undo.h"
@@ -116,6 +117,15 @@ int ShapeTypeOfKind(const std::string& kindWord) {
   return 0;
 }
 
+std::string KindWordList() {
+  std::string out;
+  for (const auto& [word, code] : kKinds) {
+    if (code == 100) continue; // the mask layout is no kind of the make menus
+    out += (out.empty() ? "" : ", ") + std::string(word);
+  }
+  return out;
+}
+
 void OpenLyrFile(Session& s, int index, const std::string& path) {
   std::string ext = ExtOf(path);
   if (ext == "shp" || ext == "tmp") {
@@ -186,6 +196,12 @@ void CheckFirstLyrUnits(Session& s, int index) {
 void MakeNewLyr(Session& s, const std::string& path, int shapeType, const std::string& kindWord,
                 bool add) {
   if (DialogsBlock(s, "making New layer")) return;
+  // Making the files anew would empty a layer that is open on them.
+  if (int open = FindLyrOnFiles(s, path)) {
+    LogMsg(s, " *** Make New " + kindWord + " Layer " + path + " has been canceled *** ");
+    LogMsg(s, "Layer " + s.Lyr[open].LyrName + " is open on these files");
+    return;
+  }
   int slot = FindFreeWorkLyr(s);
   LyrLock(s, slot, true, "Make New Shape File");
   NewShp(s, slot, path, shapeType);

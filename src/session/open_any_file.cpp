@@ -15,7 +15,7 @@ void OpenAnyFile(Session& s, const std::string& given) {
   const std::string ext = ExtOf(path);
 
   if (ext == "qmt") {
-    if (ConfirmCloseProject(s)) LoadProject(s, path);
+    if (!ProjectOpenRefused(s) && ConfirmCloseProject(s)) LoadProject(s, path);
   } else if (ext == "shp" || ext == "jpg" || ext == "gif" || ext == "bmp") {
     AddShape(s, path, false);
   } else if (ext == "dbf" || ext == "shx") {

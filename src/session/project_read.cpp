@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "coords/datum_table.h"
+#include "session/c_numbers.h"
 #include "session/file_util.h"
 #include "session/layer_life.h"
 #include "session/log.h"
@@ -71,9 +72,7 @@ void PutDatums(Session& s, const ProjectFileData& d) {
 }
 
 std::string VersionText(const Session& s, double v) {
-  char buf[64];
-  std::snprintf(buf, sizeof buf, "%.3f", v);
-  std::string t = buf;
+  std::string t = FixedText(v, 3);
   for (char& c : t)
     if (c == '.') c = s.Locale.DecimalSep;
   return t;

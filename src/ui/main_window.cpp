@@ -21,6 +21,7 @@
 #include <QToolBar>
 #include <algorithm>
 
+#include "platform/qt/qt_screen.h"
 #include "session/busy.h"
 #include "session/commands.h"
 #include "session/file_util.h"
@@ -49,11 +50,16 @@ MainWindow::MainWindow(Session& s, QtHost& host, QWidget* parent)
   setAcceptDrops(true);
   host_.SetWindow(this);
 
-  // The view size follows the screen, not the window.
+  // The view size follows the screen, not the window; the map's scale follows the screen's
+  // real pixel density.
   if (QScreen* sc = QGuiApplication::primaryScreen()) {
     s_.MapView.ViewW = int(sc->size().width() * 0.71);
     s_.MapView.ViewH = int(sc->size().height() * 0.67);
   }
+  const ScreenMeasures screen = MeasureScreen(nullptr);
+  s_.View.PixPerMeter = screen.PixPerMeter;
+  s_.View.TwipsPerPixelX = screen.TwipsPerPixelX;
+  s_.View.TwipsPerPixelY = screen.TwipsPerPixelY;
 
   map_ = new MapWidget(s_, this);
   map_->setObjectName("EditPic");

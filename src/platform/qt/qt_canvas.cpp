@@ -10,21 +10,37 @@ namespace velmora {
 
 namespace {
 
+// GDI's sixteen binary raster operations of pen P on destination D. Black and white need no
+// operation: they are the copy of a black or white pen.
 QPainter::CompositionMode RasterOp(int drawMode) {
   switch (drawMode) {
-  case 6: // not
-    return QPainter::RasterOp_NotDestination;
-  case 7: // xor pen
-    return QPainter::RasterOp_SourceXorDestination;
-  case 9: // mask pen
-    return QPainter::RasterOp_SourceAndDestination;
-  case 15: // merge pen
-    return QPainter::RasterOp_SourceOrDestination;
-  case 4: // not copy pen
+  case 2: // not merge pen: ~(P | D)
+    return QPainter::RasterOp_NotSourceAndNotDestination;
+  case 3: // mask not pen: D & ~P
+    return QPainter::RasterOp_NotSourceAndDestination;
+  case 4: // not copy pen: ~P
     return QPainter::RasterOp_NotSource;
-  case 11: // nop
+  case 5: // mask pen not: P & ~D
+    return QPainter::RasterOp_SourceAndNotDestination;
+  case 6: // not: ~D
+    return QPainter::RasterOp_NotDestination;
+  case 7: // xor pen: P ^ D
+    return QPainter::RasterOp_SourceXorDestination;
+  case 8: // not mask pen: ~(P & D)
+    return QPainter::RasterOp_NotSourceOrNotDestination;
+  case 9: // mask pen: P & D
+    return QPainter::RasterOp_SourceAndDestination;
+  case 10: // not xor pen: ~(P ^ D)
+    return QPainter::RasterOp_NotSourceXorDestination;
+  case 11: // nop: D
     return QPainter::CompositionMode_Destination;
-  default: // 13 copy pen; black and white are handled by the pen colour
+  case 12: // merge not pen: D | ~P
+    return QPainter::RasterOp_NotSourceOrDestination;
+  case 14: // merge pen not: P | ~D
+    return QPainter::RasterOp_SourceOrNotDestination;
+  case 15: // merge pen: P | D
+    return QPainter::RasterOp_SourceOrDestination;
+  default: // 1 black, 13 copy pen, 16 white
     return QPainter::CompositionMode_SourceOver;
   }
 }
