@@ -71,13 +71,6 @@ void PutDatums(Session& s, const ProjectFileData& d) {
   }
 }
 
-std::string VersionText(const Session& s, double v) {
-  std::string t = FixedText(v, 3);
-  for (char& c : t)
-    if (c == '.') c = s.Locale.DecimalSep;
-  return t;
-}
-
 } // namespace
 
 void OpenDeferred(Session& s, int n, int w, int h, double left, double top, double right,
@@ -187,7 +180,8 @@ void ReadProject(Session& s, const std::string& path) {
     MapFitHist(s);
   }
   s.MapView.MapTool = 2; // zoom in
-  LogMsg(s, "Open Project  " + s.ProjFile + "   ->    Version : " + VersionText(s, s.ProjVersion));
+  // The version as "0.000" with a point in every locale: a figure that is read back.
+  LogMsg(s, "Open Project  " + s.ProjFile + "   ->    Version : " + FixedText(s.ProjVersion, 3));
 }
 
 } // namespace velmora
