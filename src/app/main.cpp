@@ -53,7 +53,7 @@ int RunWindow(int argc, char** argv) {
   w.show();
   // EXIT on the command line leaves by the window's own way out, which asks before unsaved
   // edits are dropped; answered Cancel, the window stays.
-  if (StartSession(s, o.Args) && w.close()) return 0;
+  if (w.RunStartLine(o.Args)) return 0;
   w.ShowLog();
   // VELMORA_SCREENSHOT=path: the window saves its picture after the start-up and quits.
   if (const char* shot = std::getenv("VELMORA_SCREENSHOT")) {

@@ -29,6 +29,7 @@
 #include "session/layer_list_ops.h"
 #include "session/layer_menus.h"
 #include "session/project.h"
+#include "session/start_session.h"
 #include "session/undo.h"
 #include "store/shp_store.h"
 #include "ui/coords_convert_dialog.h"
@@ -492,6 +493,10 @@ void MainWindow::dropEvent(QDropEvent* e) {
   for (const QUrl& u : urls)
     if (u.isLocalFile()) paths << u.toLocalFile();
   OpenPaths(paths);
+}
+
+bool MainWindow::RunStartLine(const std::vector<std::string>& args) {
+  return StartSession(s_, args) && close();
 }
 
 void MainWindow::closeEvent(QCloseEvent* e) {

@@ -4,12 +4,16 @@
 #include <QApplication>
 #include <QDropEvent>
 #include <QLabel>
+#include <QMessageBox>
 #include <QMimeData>
 #include <QPlainTextEdit>
 #include <QProgressBar>
+#include <QPushButton>
+#include <QTimer>
 #include <QUrl>
 
 #include "platform/qt/qt_host.h"
+#include "platform/qt/qt_screen.h"
 #include "qt_app.h"
 #include "session/log.h"
 #include "session/start_session.h"
@@ -98,4 +102,48 @@ TEST_F(WindowTest, ProjectMenusAndTheJournalButtons) {
   // An empty journal: nothing to undo or redo.
   EXPECT_FALSE(w.findChild<QAction*>("mnuUndo")->isEnabled());
   EXPECT_FALSE(w.findChild<QAction*>("mnuRedo")->isEnabled());
+}
+
+namespace {
+
+// Answers the next message box that opens with `button`.
+void AnswerNextBox(QMessageBox::StandardButton button) {
+  QTimer::singleShot(0, [button] {
+    if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget()))
+      box->button(button)->click();
+  });
+}
+
+} // namespace
+
+TEST_F(WindowTest, AStartLineEndingInExitAsksBeforeUnsavedEditsAreDropped) {
+  std::string dir = test::TempDir("exit");
+  const std::string p = "'" + dir + "a.shp'";
+  test::WriteFile(dir + "a.lst", "MAKE LAYER " + p + " AS POINT\nOPEN LAYER " + p +
+                                     "\nADD FEATURE " + p + " 0 1 2\n");
+  w.show();
+  AnswerNextBox(QMessageBox::Cancel);
+  EXPECT_FALSE(w.RunStartLine({dir + "a.lst", "EXIT"}));
+  ASSERT_EQ(s.LyrCount, 1); // the edit is still in memory, the window stays
+  EXPECT_TRUE(s.Lyr[1].Shp.ShpChanged);
+  EXPECT_TRUE(w.isVisible());
+
+  AnswerNextBox(QMessageBox::No);
+  EXPECT_TRUE(w.close());
+  EXPECT_EQ(s.LyrCount, 0);
+
+  // Without unsaved edits nothing is asked.
+  TestWindow other{s, host};
+  other.show();
+  test::WriteFile(dir + "b.lst", "SELECT all\n");
+  EXPECT_TRUE(other.RunStartLine({dir + "b.lst", "EXIT"}));
+}
+
+TEST_F(WindowTest, TheMapScaleFollowsTheScreensDensity) {
+  ScreenMeasures m = MeasureScreen(nullptr);
+  EXPECT_DOUBLE_EQ(s.View.PixPerMeter, m.PixPerMeter);
+  EXPECT_DOUBLE_EQ(s.View.TwipsPerPixelX, m.TwipsPerPixelX);
+  EXPECT_DOUBLE_EQ(s.View.TwipsPerPixelY, m.TwipsPerPixelY);
+  StartSession(s, {}); // MapInit keeps the screen's measures
+  EXPECT_DOUBLE_EQ(s.View.PixPerMeter, m.PixPerMeter);
 }

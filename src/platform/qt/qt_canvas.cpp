@@ -117,11 +117,17 @@ void QtCanvas::Clear(Colour c) {
   p_->setCompositionMode(mode_);
 }
 
+// Black and white paint pen and brush in their colour whatever was asked for.
+QColor QtCanvas::ModeColour(Colour c) const {
+  if (drawMode_ == 1) return Qt::black;
+  if (drawMode_ == 16) return Qt::white;
+  return ToQColor(c);
+}
+
 void QtCanvas::SetPen(Colour c, int drawMode, int style, int width) {
   Begin();
-  QColor col = ToQColor(c);
-  if (drawMode == 1) col = Qt::black;
-  if (drawMode == 16) col = Qt::white;
+  drawMode_ = drawMode;
+  QColor col = ModeColour(c);
   // As on GDI, a broken line style holds only for pens one pixel wide.
   Qt::PenStyle ps = width > 1 && style != 5 ? Qt::SolidLine : LineStyle(style);
   QPen pen(col, width < 1 ? 1 : width, ps, Qt::SquareCap, Qt::MiterJoin);
@@ -129,11 +135,13 @@ void QtCanvas::SetPen(Colour c, int drawMode, int style, int width) {
   p_->setPen(pen);
   mode_ = RasterOp(drawMode);
   p_->setCompositionMode(mode_);
+  SetBrush(brushColour_, brushStyle_);
 }
 
 void QtCanvas::SetBrush(Colour c, int fillStyle) {
   Begin();
-  p_->setBrush(QBrush(ToQColor(c), FillStyle(fillStyle)));
+  brushColour_ = c, brushStyle_ = fillStyle;
+  p_->setBrush(QBrush(ModeColour(c), FillStyle(fillStyle)));
 }
 
 // PixPt and QPoint are both two ints, x then y: the points go to the painter as they are.
