@@ -4,12 +4,9 @@
 #include <QApplication>
 #include <QDropEvent>
 #include <QLabel>
-#include <QMessageBox>
 #include <QMimeData>
 #include <QPlainTextEdit>
 #include <QProgressBar>
-#include <QPushButton>
-#include <QTimer>
 #include <QUrl>
 
 #include "platform/qt/qt_host.h"
@@ -106,37 +103,52 @@ TEST_F(WindowTest, ProjectMenusAndTheJournalButtons) {
 
 namespace {
 
-// Answers the next message box that opens with `button`.
-void AnswerNextBox(QMessageBox::StandardButton button) {
-  QTimer::singleShot(0, [button] {
-    if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget()))
-      box->button(button)->click();
-  });
-}
+// The window's host with its message boxes answered from a list, and the boxes kept.
+struct AnsweringHost : QtHost {
+  std::vector<MsgAnswer> answers;
+  std::vector<std::string> asked;
+  MsgAnswer MsgBox(const std::string& text, const std::string& title, MsgButtons,
+                   MsgAnswer dflt) override {
+    asked.push_back(title + "|" + text);
+    if (answers.empty()) return dflt;
+    MsgAnswer a = answers.front();
+    answers.erase(answers.begin());
+    return a;
+  }
+};
 
 } // namespace
 
-TEST_F(WindowTest, AStartLineEndingInExitAsksBeforeUnsavedEditsAreDropped) {
+TEST(WindowExit, AStartLineEndingInExitAsksBeforeUnsavedEditsAreDropped) {
+  test::App();
+  AnsweringHost host;
+  Session s{host};
+  TestWindow w{s, host};
   std::string dir = test::TempDir("exit");
   const std::string p = "'" + dir + "a.shp'";
   test::WriteFile(dir + "a.lst", "MAKE LAYER " + p + " AS POINT\nOPEN LAYER " + p +
                                      "\nADD FEATURE " + p + " 0 1 2\n");
   w.show();
-  AnswerNextBox(QMessageBox::Cancel);
+  host.answers = {MsgAnswer::Cancel};
   EXPECT_FALSE(w.RunStartLine({dir + "a.lst", "EXIT"}));
+  ASSERT_EQ(host.asked.size(), 1u);
+  EXPECT_EQ(host.asked[0].rfind(" Close Project Message Box |", 0), 0u) << host.asked[0];
   ASSERT_EQ(s.LyrCount, 1); // the edit is still in memory, the window stays
   EXPECT_TRUE(s.Lyr[1].Shp.ShpChanged);
   EXPECT_TRUE(w.isVisible());
 
-  AnswerNextBox(QMessageBox::No);
+  host.answers = {MsgAnswer::No};
   EXPECT_TRUE(w.close());
   EXPECT_EQ(s.LyrCount, 0);
 
   // Without unsaved edits nothing is asked.
-  TestWindow other{s, host};
+  AnsweringHost quiet;
+  Session t{quiet};
+  TestWindow other{t, quiet};
   other.show();
   test::WriteFile(dir + "b.lst", "SELECT all\n");
   EXPECT_TRUE(other.RunStartLine({dir + "b.lst", "EXIT"}));
+  EXPECT_TRUE(quiet.asked.empty());
 }
 
 TEST_F(WindowTest, TheMapScaleFollowsTheScreensDensity) {
