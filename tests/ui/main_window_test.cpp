@@ -117,13 +117,15 @@ struct AnsweringHost : QtHost {
   }
 };
 
-} // namespace
-
-TEST(WindowExit, AStartLineEndingInExitAsksBeforeUnsavedEditsAreDropped) {
-  test::App();
+struct WindowExit : ::testing::Test, AppFirst {
   AnsweringHost host;
   Session s{host};
   TestWindow w{s, host};
+};
+
+} // namespace
+
+TEST_F(WindowExit, AStartLineEndingInExitAsksBeforeUnsavedEditsAreDropped) {
   std::string dir = test::TempDir("exit");
   const std::string p = "'" + dir + "a.shp'";
   test::WriteFile(dir + "a.lst", "MAKE LAYER " + p + " AS POINT\nOPEN LAYER " + p +
