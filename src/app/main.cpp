@@ -2,6 +2,7 @@
 #include <QApplication>
 #include <QCoreApplication>
 #include <QTimer>
+#include <clocale>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -14,6 +15,7 @@
 #include "session/cmd_line.h"
 #include "session/layer_life.h"
 #include "session/start_session.h"
+#include "session/user_locale.h"
 #include "ui/main_window.h"
 
 using namespace velmora;
@@ -31,6 +33,7 @@ int RunHeadless(int argc, char** argv, const std::vector<std::string>& args) {
   QCoreApplication app(argc, argv);
   PictureHeadlessHost host;
   Session s(host);
+  s.Locale = UserLocaleSettings(s.Locale);
   s.ProgramDir = ProgramDir();
   s.GdipReady = ImageCodecsReady();
   StartSession(s, args);
@@ -43,20 +46,14 @@ int RunWindow(int argc, char** argv) {
   CmdLineOpts o = ParseCmdLine(std::vector<std::string>(argv + 1, argv + argc));
   QtHost host;
   Session s(host);
+  s.Locale = UserLocaleSettings(s.Locale);
   s.ProgramDir = ProgramDir();
   s.GdipReady = ImageCodecsReady();
   MainWindow w(s, host);
   w.show();
-  if (StartSession(s, o.Args)) {
-    bool unsaved = false;
-    for (int n = 1; n <= s.LyrCount; ++n) unsaved = unsaved || LyrChanged(s, n);
-    if (!unsaved) {
-      CloseAllLyrs(s);
-      return 0;
-    }
-    // Changes that could not be saved go only with the user's word: the window's close.
-    QTimer::singleShot(0, &w, &QWidget::close);
-  }
+  // EXIT on the command line leaves by the window's own way out, which asks before unsaved
+  // edits are dropped; answered Cancel, the window stays.
+  if (w.RunStartLine(o.Args)) return 0;
   w.ShowLog();
   // VELMORA_SCREENSHOT=path: the window saves its picture after the start-up and quits.
   if (const char* shot = std::getenv("VELMORA_SCREENSHOT")) {
@@ -74,6 +71,9 @@ int RunWindow(int argc, char** argv) {
 } // namespace
 
 int main(int argc, char** argv) {
+  // The user's locale, in every mode: the session takes its decimal separator and short
+  // date from it, and every number that crosses a file is written without it.
+  std::setlocale(LC_ALL, "");
   CmdLineOpts o = ParseCmdLine(std::vector<std::string>(argv + 1, argv + argc));
   switch (o.Mode) {
   case RunMode::Help:

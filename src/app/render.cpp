@@ -12,6 +12,7 @@
 #include "platform/qt/qt_image_io.h"
 #include "session/layer_life.h"
 #include "session/start_session.h"
+#include "session/user_locale.h"
 #include "view/map_draw.h"
 #include "view/map_tools.h"
 
@@ -23,6 +24,7 @@ int RunRender(int argc, char** argv, const CmdLineOpts& o) {
   QGuiApplication app(argc, argv);
   PictureHeadlessHost host;
   Session s(host);
+  s.Locale = UserLocaleSettings(s.Locale);
   s.ProgramDir = QCoreApplication::applicationDirPath().toStdString() + "/";
   s.GdipReady = host.images.CodecsReady();
   s.MapView.ViewW = o.RenderW;

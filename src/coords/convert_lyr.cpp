@@ -8,6 +8,7 @@
 #include "coords/utm_zone.h"
 #include "frame/busy.h"
 #include "frame/log.h"
+#include "model/c_numbers.h"
 #include "model/file_util.h"
 #include "store/shp_store.h"
 #include "view/navigation.h"
@@ -26,11 +27,17 @@ bool Convertible(int shapeType) {
   return shapeType >= 1 && shapeType <= 100 && shapeType != 99;
 }
 
-void ConvertShpCoords(Session& s, int lyr, const CoordConv& c, RunningFunction& rf) {
-  LyrRec& l = s.Lyr[lyr];
-  ConvertBox(s, c, LeftExtend(l), BottomExtend(l), RightExtend(l), TopExtend(l));
-  const int count = l.Shp.RecCount;
-  for (int i = 1; i <= count && size_t(i) < s.Lyr[lyr].Shp.ShpRecs.size(); ++i) {
+// The row is taken anew by its number after every step: other layers may come and go
+// while the function yields, which moves rows in memory and may renumber this one.
+void ConvertShpCoords(Session& s, const CoordConv& c, RunningFunction& rf) {
+  {
+    LyrRec& l = s.Lyr[rf.Layer()];
+    ConvertBox(s, c, LeftExtend(l), BottomExtend(l), RightExtend(l), TopExtend(l));
+  }
+  const int count = s.Lyr[rf.Layer()].Shp.RecCount;
+  for (int i = 1; i <= count; ++i) {
+    const int lyr = rf.Layer();
+    if (size_t(i) >= s.Lyr[lyr].Shp.ShpRecs.size()) break;
     ShpRecord& r = s.Lyr[lyr].Shp.ShpRecs[size_t(i)];
     if (Convertible(r.ShapeType)) {
       ConvertRecCoords(s, c, r);
@@ -38,20 +45,22 @@ void ConvertShpCoords(Session& s, int lyr, const CoordConv& c, RunningFunction& 
     }
     if (rf.Step(i, count + 1)) break;
   }
-  s.Lyr[lyr].Shp.ShpChanged = -1;
-  RecalcExtent(s, lyr);
+  if (rf.Gone()) return;
+  s.Lyr[rf.Layer()].Shp.ShpChanged = -1;
+  RecalcExtent(s, rf.Layer());
 }
 
 } // namespace
 
-bool ConvertLyrCoords(Session& s, int lyr, int srcDatum, int dstDatum, int zone, bool south) {
+bool ConvertLyrCoords(Session& s, int lyr, int srcDatum, int dstDatum, int zone, bool south,
+                      ConvertEnd* end) {
   if (lyr < 1 || lyr > s.LyrCount) return false;
   CoordConv c;
   c.Dir = srcDatum != 0 ? CoordDir::GridToGeo : CoordDir::GeoToGrid;
   c.Datum = srcDatum != 0 ? srcDatum : dstDatum;
   c.Zone = zone;
   c.South = south;
-  const std::string& name = s.Lyr[lyr].LyrName;
+  const std::string name = s.Lyr[lyr].LyrName;
   std::string caption =
       "Converting Coordinates in Layer " + name +
       (c.Dir == CoordDir::GridToGeo ? " from " + RecordName(s, c.Datum) + " to Geographic "
@@ -61,16 +70,13 @@ bool ConvertLyrCoords(Session& s, int lyr, int srcDatum, int dstDatum, int zone,
   s.host->Progress(0, s.Lyr[lyr].Shp.RecCount + 1);
   bool done = false;
   if (s.Lyr[lyr].LyrKind == 1) {
-    ConvertShpCoords(s, lyr, c, rf);
-    done = true;
+    ConvertShpCoords(s, c, rf);
+    done = !rf.Gone();
   } else if (s.Lyr[lyr].LyrKind == 2) {
-    // Progress in hundredths of the picture's rows.
-    const long long rows = std::max(1, s.Lyr[lyr].Img.ImgHeight);
-    s.host->Progress(0, 100);
-    done = ConvertImgCoords(s, lyr, c,
-                            [&rf, rows](int row) { return rf.Step((row + 1) * 100 / rows, 100); });
+    done = ConvertImgCoords(s, rf, c);
   }
   rf.Finish(false);
+  if (end) *end = ConvertEnd{rf.Gone() ? 0 : rf.Layer(), rf.Terminated()};
   if (!done) return false;
   MapFull(s);
   s.host->MapRedraw();
@@ -78,9 +84,8 @@ bool ConvertLyrCoords(Session& s, int lyr, int srcDatum, int dstDatum, int zone,
 }
 
 bool ZoneTextOk(const std::string& text, int& zone) {
-  std::string t = Trim(text);
-  char* end = nullptr;
-  double v = t.empty() ? 0 : std::strtod(t.c_str(), &end);
+  double v = 0;
+  LeadingNumber(text, v);
   if (!(v > 0 && v < 61)) return false;
   zone = int(std::nearbyint(v));
   return zone >= 1 && zone <= 60;
@@ -110,17 +115,21 @@ ConvertStatus ConvertCoordsCmd(Session& s, const ConvertCoordsArgs& a) {
     return ConvertStatus::NotReady;
   int zone = 0;
   if (!ZoneTextOk(a.ZoneText, zone)) return ConvertStatus::BadZone;
-  bool done = a.Dir == CoordDir::GridToGeo ? ConvertLyrCoords(s, a.Lyr, a.Datum, 0, zone, a.South)
-                                           : ConvertLyrCoords(s, a.Lyr, 0, a.Datum, zone, a.South);
+  // Both lines name the layer as it was called: it may move while the conversion runs.
+  const std::string canceled = cancelLine(), success = ConvertCoordsText(s, a);
+  ConvertEnd end;
+  bool done = a.Dir == CoordDir::GridToGeo
+                  ? ConvertLyrCoords(s, a.Lyr, a.Datum, 0, zone, a.South, &end)
+                  : ConvertLyrCoords(s, a.Lyr, 0, a.Datum, zone, a.South, &end);
   if (!done) {
-    LogMsg(s, cancelLine());
-    return ConvertStatus::NotReady;
+    LogMsg(s, canceled);
+    return end.Terminated ? ConvertStatus::Terminated : ConvertStatus::NotReady;
   }
-  if (a.Lyr <= s.LyrCount && s.Lyr[a.Lyr].LyrTerminate) {
-    LogMsg(s, cancelLine());
+  if (end.Terminated) {
+    LogMsg(s, canceled);
     return ConvertStatus::Terminated;
   }
-  LogMsg(s, ConvertCoordsText(s, a));
+  LogMsg(s, success);
   return ConvertStatus::Converted;
 }
 

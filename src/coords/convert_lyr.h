@@ -12,8 +12,14 @@ namespace velmora {
 // Converting", yields after each record, stops at "Terminate" with what is done so far, then
 // recomputes the extent and shows the map's full extent. The layer is marked changed.
 // False when the layer could not be taken up (busy, not open, an image while the image store
-// gives no pixels).
-bool ConvertLyrCoords(Session& s, int lyr, int srcDatum, int dstDatum, int zone, bool south);
+// gives no pixels) or was closed meanwhile. `end`, when given, tells where the layer stands
+// at the end (other layers may have moved it) and whether it was terminated.
+struct ConvertEnd {
+  int Lyr = 0; // 0: the layer is no longer in the session
+  bool Terminated = false;
+};
+bool ConvertLyrCoords(Session& s, int lyr, int srcDatum, int dstDatum, int zone, bool south,
+                      ConvertEnd* end = nullptr);
 
 // What the conversion dialog asks for: a layer, a direction, a record and a zone text.
 struct ConvertCoordsArgs {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "frame/busy.h"
 #include "platform/image_io.h"
 #include "view/raster_layer.h"
 
@@ -53,12 +54,12 @@ void WarpImage(const Session& s, const CoordConv& c, const BgrImage& src, const 
   }
 }
 
-bool ConvertImgCoords(Session& s, int lyr, const CoordConv& c,
-                      const std::function<bool(int)>& step) {
+bool ConvertImgCoords(Session& s, RunningFunction& rf, const CoordConv& c) {
   ImageIO* io = s.host->Images();
-  LyrRec& l = s.Lyr[lyr];
+  LyrRec& l = s.Lyr[rf.Layer()]; // only until the warp yields
+  const int pic = l.Img.ImgPic;
   DibBits dib;
-  if (!io || !l.Img.ImgPic || !io->GetBits(l.Img.ImgPic, dib)) return false;
+  if (!io || !pic || !io->GetBits(pic, dib)) return false;
   // The store's rows are padded to four bytes; the warp's are not.
   BgrImage src;
   src.W = dib.Width, src.H = dib.Height;
@@ -69,18 +70,26 @@ bool ConvertImgCoords(Session& s, int lyr, const CoordConv& c,
   WorldExtent ext{LeftExtend(l), TopExtend(l), RightExtend(l), BottomExtend(l)};
   BgrImage dst;
   WorldExtent out;
-  WarpImage(s, c, src, ext, dst, out, step);
-  if (dst.W != dib.Width || dst.H != dib.Height) return false;
+  // Progress in hundredths of the picture's rows.
+  const long long rows = std::max(1, src.H);
+  s.host->Progress(0, 100);
+  WarpImage(s, c, src, ext, dst, out,
+            [&rf, rows](int row) { return rf.Step(int((row + 1) * 100 / rows), 100); });
+  if (rf.Gone() || dst.W != dib.Width || dst.H != dib.Height) return false;
+  const int lyr = rf.Layer();
+  if (s.Lyr[lyr].Img.ImgPic != pic) return false;
   for (int y = 0; y < dst.H; ++y)
     std::copy_n(&dst.Bits[size_t(y) * size_t(dst.W) * 3], size_t(dst.W) * 3,
                 &dib.Bits[size_t(y) * size_t(dib.Stride())]);
-  if (!io->SetBits(l.Img.ImgPic, dib)) return false;
-  LyrRec& after = s.Lyr[lyr];
-  LeftExtend(after) = out.Left, TopExtend(after) = out.Top;
-  RightExtend(after) = out.Right, BottomExtend(after) = out.Bottom;
+  if (!io->SetBits(pic, dib)) return false;
+  {
+    LyrRec& after = s.Lyr[lyr];
+    LeftExtend(after) = out.Left, TopExtend(after) = out.Top;
+    RightExtend(after) = out.Right, BottomExtend(after) = out.Bottom;
+    after.Img.ImgChanged = -1;
+    after.Img.WorldChanged = -1;
+  }
   RebuildImgFrame(s, lyr);
-  after.Img.ImgChanged = -1;
-  after.Img.WorldChanged = -1;
   return true;
 }
 

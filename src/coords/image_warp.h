@@ -7,6 +7,8 @@
 
 namespace velmora {
 
+class RunningFunction;
+
 // A 24-bit picture as the image store keeps it: rows bottom-up, 3 bytes a pixel in blue,
 // green, red order, W * 3 bytes a row.
 struct BgrImage {
@@ -26,12 +28,10 @@ struct WorldExtent {
 void WarpImage(const Session& s, const CoordConv& c, const BgrImage& src, const WorldExtent& ext,
                BgrImage& dst, WorldExtent& outExt, const std::function<bool(int)>& step);
 
-// The raster side of a layer conversion: reads the image of layer `lyr`, warps it with
-// WarpImage and puts the picture and the extent (X1, Y2, X2, Y1 as left, bottom, right, top)
-// in place as the layer's image. Needs the image store's pixel access (a BgrImage of the
-// layer's picture and a way to replace it); until that exists it leaves the layer as it is
-// and returns false.
-bool ConvertImgCoords(Session& s, int lyr, const CoordConv& c,
-                      const std::function<bool(int)>& step);
+// The raster side of a layer conversion: reads the image of the function's layer, warps it
+// with WarpImage (one Step of `rf` a row) and puts the picture and the extent (X1, Y2, X2,
+// Y1 as left, bottom, right, top) in place as the layer's image. False, with the layer as
+// it was, when the image store gives no pixels or the layer went away meanwhile.
+bool ConvertImgCoords(Session& s, RunningFunction& rf, const CoordConv& c);
 
 } // namespace velmora

@@ -1,8 +1,8 @@
 #include "coords/prj_file.h"
 
-#include <cstdlib>
 #include <fstream>
 
+#include "model/c_numbers.h"
 #include "model/datum_table.h"
 #include "model/file_util.h"
 
@@ -12,15 +12,11 @@ namespace {
 
 constexpr size_t kMaxPrjBytes = 1 << 16; // a .prj is a line or two; more is not one
 
-// A .prj number: always written with "."; a text that is not wholly a number gives its
-// leading number, or 0.
+// A .prj number: always written with ".", whatever the locale; a text that is not wholly
+// a number gives its leading number, or 0.
 double PrjNumber(const std::string& text) {
-  std::string t = Trim(text);
-  const char* begin = t.c_str();
-  char* end = nullptr;
-  double v = std::strtod(begin, &end);
-  if (end == begin) return 0;
-  return v;
+  double v = 0;
+  return LeadingNumber(text, v) ? v : 0;
 }
 
 // The text between the first two double quotes at or after `from`; false when there are

@@ -1,6 +1,7 @@
 #include "frame/busy.h"
 
 #include <array>
+#include <cstdlib>
 
 #include "frame/log.h"
 
@@ -181,8 +182,28 @@ RunningFunction::RunningFunction(Session& s, int n, std::string operation, std::
   }
   SetLyrTerminate(s_, n_, false);
   LyrLock(s_, n_, true, op_);
+  if (InTable(s_, n_)) source_ = s_.Lyr[n_].Fsource;
   s_.host->FuncText(caption.empty() ? op_ : caption);
   started_ = true;
+}
+
+bool RunningFunction::Ours(int i) const {
+  const LyrRec& l = s_.Lyr[i];
+  // Unlocked by the exit sequence, the row is still ours while it holds our file.
+  return l.Fsource == source_ && (!l.LyrBusy || l.BusyFunc == op_);
+}
+
+void RunningFunction::Follow() {
+  if (gone_ || n_ < 1) return; // work slots never move
+  if (n_ <= s_.LyrCount && Ours(n_)) return;
+  // Moved by a removal or a reorder of other rows: the nearest row that is ours.
+  int best = 0;
+  for (int i = 1; i <= s_.LyrCount; ++i)
+    if (Ours(i) && (best == 0 || std::abs(i - n_) < std::abs(best - n_))) best = i;
+  if (best)
+    n_ = best;
+  else
+    gone_ = true;
 }
 
 RunningFunction::~RunningFunction() {
@@ -192,14 +213,21 @@ RunningFunction::~RunningFunction() {
 bool RunningFunction::Step(long long value, long long max) {
   s_.host->Progress(value, max);
   s_.host->Yield();
-  if (LyrTerminated(s_, n_)) terminated_ = true;
+  Follow();
+  if (gone_) {
+    if (!terminated_) LogMsg(s_, " *** A Function has been terminated in the closed Layer *** ");
+    terminated_ = true;
+  } else if (LyrTerminated(s_, n_)) {
+    terminated_ = true;
+  }
   return terminated_;
 }
 
 void RunningFunction::Finish(bool logSuccess) {
   if (finished_) return;
   finished_ = true;
-  bool closed = n_ > s_.LyrCount;
+  Follow();
+  bool closed = gone_ || n_ > s_.LyrCount;
   if (!closed) LyrLock(s_, n_, false, "");
   s_.host->Progress(0, 0);
   s_.host->FuncText("");

@@ -34,12 +34,15 @@ bool DialogsBlock(Session& s, const std::string& what);
 //
 //   RunningFunction rf(s, n, "Validate Layer boundaries", LyrName);
 //   if (!rf.Started()) return;            // busy: refusal already logged
-//   for (...) { work; if (rf.Step(i, max)) break; }
+//   for (...) { work on rf.Layer(); if (rf.Step(i, max)) break; }
+//   if (!rf.Gone()) { ... rf.Layer() ... }
 //   rf.Finish();                           // logs "<Operation> <name>"
 //
 // On leaving scope, also on an early return, the layer is unlocked and the progress
-// cleared. The function keeps its layer number for its whole run, as held numbers of
-// running functions are not renumbered; a removal under it is seen by the terminate test.
+// cleared. Other layers may be removed or reordered while the function yields, so its
+// row can change its number: Step follows the row (by its lock and its file), and the
+// function takes rf.Layer() anew after every Step and holds no reference into Lyr across
+// one. A row that can't be found any more stops the function as a closed layer.
 class RunningFunction {
 public:
   RunningFunction(Session& s, int n, std::string operation, std::string caption = "");
@@ -48,17 +51,26 @@ public:
   RunningFunction& operator=(const RunningFunction&) = delete;
 
   bool Started() const { return started_; }
+  // The row's number as of the last Step.
   int Layer() const { return n_; }
-  // Progress, one turn of the event loop, then the terminate test. True: stop now.
+  // The row is no longer in the table: nothing of it may be read.
+  bool Gone() const { return gone_; }
+  // Progress, one turn of the event loop, the row found again, then the terminate test.
+  // True: stop now.
   bool Step(long long value, long long max);
   // Ends the function: unlock, clear progress, log "<Operation> <name>" unless terminated.
   void Finish(bool logSuccess = true);
   bool Terminated() const { return terminated_; }
 
 private:
+  bool Ours(int i) const;
+  void Follow();
+
   Session& s_;
   int n_;
   std::string op_;
+  std::string source_; // the row's file, to know it again after a move
+  bool gone_ = false;
   bool started_ = false;
   bool finished_ = false;
   bool terminated_ = false;

@@ -105,13 +105,16 @@ bool WriteLStr(std::FILE* f, const std::string& s) {
   return std::fwrite(b, 1, 4, f) == 4 && (n == 0 || std::fwrite(s.data(), 1, n, f) == n);
 }
 
+// ASCII letters only: the bytes of UTF-8 names stay as they are in every locale.
 std::string UCase(std::string s) {
-  for (auto& c : s) c = char(std::toupper(static_cast<unsigned char>(c)));
+  for (auto& c : s)
+    if (c >= 'a' && c <= 'z') c = char(c - 'a' + 'A');
   return s;
 }
 
 std::string LCase(std::string s) {
-  for (auto& c : s) c = char(std::tolower(static_cast<unsigned char>(c)));
+  for (auto& c : s)
+    if (c >= 'A' && c <= 'Z') c = char(c - 'A' + 'a');
   return s;
 }
 

@@ -1,7 +1,8 @@
 #include "model/num_format.h"
 
 #include <cmath>
-#include <cstdio>
+
+#include "model/c_numbers.h"
 
 namespace velmora {
 
@@ -11,9 +12,8 @@ char ThousandsSep(const Session& s) {
 
 std::string FormatGrouped(const Session& s, double v, int decimals) {
   if (!std::isfinite(v)) return "0";
-  char buf[64];
-  std::snprintf(buf, sizeof buf, "%.*f", decimals, std::fabs(v));
-  std::string digits = buf, frac;
+  const std::string plain = FixedText(std::fabs(v), decimals);
+  std::string digits = plain, frac;
   size_t dot = digits.find('.');
   if (dot != std::string::npos) {
     frac = digits.substr(dot + 1);
@@ -27,7 +27,7 @@ std::string FormatGrouped(const Session& s, double v, int decimals) {
     if (left > 0 && left % 3 == 0) out += ThousandsSep(s);
   }
   if (decimals > 0) out += s.Locale.DecimalSep + frac;
-  bool zero = std::string(buf).find_first_not_of("0.") == std::string::npos;
+  bool zero = plain.find_first_not_of("0.") == std::string::npos;
   if (v < 0 && !zero) out = "-" + out;
   return out;
 }

@@ -11,10 +11,11 @@ struct PixPt {
 };
 
 // A drawing surface with the pen and brush model of the map: pen and brush numbers are
-// the GDI ones. Draw modes: 13 copy pen (others: 1 black, 6 not, 7 xor pen, 9 mask pen,
-// 11 nop, 15 merge pen, 16 white). Line styles: 0 solid, 1 dash, 2 dot, 3 dash-dot,
-// 4 dash-dot-dot, 5 none. Fill styles: 0 solid, 1 hollow, 2 to 7 the six hatches.
-// Coordinates are whole pixels; nothing is antialiased.
+// the GDI ones. Draw modes are GDI's binary raster operations 1 to 16 of pen and surface
+// (13 copy pen, 1 black, 6 not, 7 xor pen, 9 mask pen, 11 nop, 15 merge pen, 16 white and
+// the rest), each drawn as its operation on pen and brush alike. Line styles: 0 solid,
+// 1 dash, 2 dot, 3 dash-dot, 4 dash-dot-dot, 5 none. Fill styles: 0 solid, 1 hollow, 2 to 7
+// the six hatches. Coordinates are whole pixels; nothing is antialiased.
 class Canvas {
 public:
   virtual ~Canvas() = default;

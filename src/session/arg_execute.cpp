@@ -96,14 +96,20 @@ int ExecCmd(Session& s, const CmdCall& c) {
   switch (c.Op) {
   case CmdOp::None:
   case CmdOp::NoOp:
+  case CmdOp::NumberError: // the interpreter stops before it
     return n;
   case CmdOp::MakeLayer: {
     int type = ShapeTypeOfKind(c.Text);
-    if (type != 0) MakeNewLyr(s, c.Path, type, c.Text, false);
-    return 0;
+    if (type == 0) {
+      LogMsg(s, " *** Make New Layer " + c.Path + " has been canceled *** ");
+      LogMsg(s, "The kind is one of " + KindWordList());
+    } else {
+      MakeNewLyr(s, c.Path, type, c.Text, false);
+    }
+    return n; // a layer of this path, which the EXIT tail saves and removes
   }
   case CmdOp::OpenProject:
-    if (ConfirmCloseProject(s)) LoadProject(s, c.Path);
+    if (!ProjectOpenRefused(s) && ConfirmCloseProject(s)) LoadProject(s, c.Path);
     return 0;
   case CmdOp::OpenLayer:
     return OpenIfNeeded(s, c);
@@ -217,6 +223,12 @@ void ArgStrExecute(Session& s) {
     int n = 0;
     bool moved = false;
     for (const CmdCall& c : ParseArgStr(s)) {
+      if (c.Op == CmdOp::NumberError) {
+        // The run-time error leaves the line: what ran before it stays, no EXIT tail.
+        if (moved) RecalcStaleExtents(s);
+        LogMsg(s, " *** Error in ArgStrExecute ***");
+        return;
+      }
       n = ExecCmd(s, c);
       moved = moved || IsMovement(c.Op);
     }

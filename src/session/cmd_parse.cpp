@@ -1,6 +1,7 @@
 #include "session/cmd_parse.h"
 
 #include <cctype>
+#include <cmath>
 
 #include "frame/lyr_slots.h"
 #include "model/companion_file.h"
@@ -25,11 +26,22 @@ struct Reader {
   const std::vector<std::string>& a;
   size_t at = 0;
 
+  // Set when a number is too large for a double: no infinity goes on into the layers.
+  mutable bool overflow = false;
+
   int Ub() const { return int(a.size()) - 1 - int(at); }
   const std::string& Tok(int i) const { return a[at + size_t(i)]; }
   std::string Word(int i) const { return UCase(Tok(i)); }
-  int32_t Int(int i) const { return ValLong(Tok(i)); }
-  double Real(int i) const { return Val(Tok(i)); }
+  int32_t Int(int i) const {
+    Real(i);
+    return overflow ? 0 : ValLong(Tok(i));
+  }
+  double Real(int i) const {
+    double v = Val(Tok(i));
+    if (std::isfinite(v)) return v;
+    overflow = true;
+    return 0;
+  }
 
   // Path at token 2, and the layer that has it.
   void FindLayer(CmdCall& c) const {
@@ -81,8 +93,7 @@ CmdCall ParseOne(const Reader& r) {
   const std::string w1 = r.Word(1);
 
   if (w0 == "MAKE" && w1 == "LAYER" && ub >= 2) {
-    r.FindLayer(c);
-    if (c.Lyr) return c;
+    r.FindLayer(c); // kept for the EXIT tail; the make itself refuses an open layer's files
     c.Op = CmdOp::MakeLayer;
     c.Text = (ub >= 4 && r.Word(3) == "AS") ? r.Word(4) : "POINT";
     return c;
@@ -174,12 +185,14 @@ std::vector<CmdCall> ParseArgStr(const Session& s) {
   if (s.ArgStr.size() < 2) return calls;
   Reader r{s, s.ArgStr, 0};
   calls.push_back(ParseOne(r));
+  if (r.overflow) calls.back().Op = CmdOp::NumberError;
   // One MOVETO line can carry a list of moves: further groups of ten tokens follow as
   // long as the line reaches the last token of the next group.
   if (UCase(s.ArgStr[0]) == "MOVETO" && UCase(s.ArgStr[1]) == "VERTEX") {
     for (size_t at = 10; at + 9 < s.ArgStr.size(); at += 10) {
       Reader g{s, s.ArgStr, at};
       calls.push_back(g.Feature(CmdOp::MoveTo, 9, "iixxii"));
+      if (g.overflow) calls.back().Op = CmdOp::NumberError;
     }
   }
   return calls;

@@ -13,7 +13,7 @@ namespace velmora {
 enum class CmdOp {
   None,        // too few tokens, an unknown word, a layer not in the session, a record out of range
   NoOp,        // SAVE PROJECT, SET VERTEX, SELECT, ZOOM: recognised and without effect
-  MakeLayer,   // Path; Text = kind word
+  MakeLayer,   // Path; Text = kind word; Lyr = a layer of this path, if any
   OpenProject, // Path (extension made "qmt")
   OpenLayer,   // Path
   AddField,    // Path; Text = field name; I = type letter, width, decimals
@@ -41,6 +41,9 @@ enum class CmdOp {
   SaveLayerAs,      // Lyr; Text = new path
   RemoveLayer,      // Lyr
   SetData,          // Path; I = row (1-based); Pairs
+  // A number of the line that Val cannot hold (1e400): the run-time error of the
+  // interpreter, which stops the line there.
+  NumberError,
 };
 
 struct CmdPair {

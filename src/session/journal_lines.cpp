@@ -1,6 +1,6 @@
 #include "session/journal_lines.h"
 
-#include <cstdio>
+#include "model/c_numbers.h"
 
 namespace velmora {
 
@@ -30,9 +30,7 @@ std::string QuotedPath(const std::string& path) {
 }
 
 std::string NumText(double v) {
-  char buf[40];
-  std::snprintf(buf, sizeof buf, "%.15G", v);
-  std::string t = buf;
+  std::string t = GeneralText(v, 15);
   return t == "-0" ? "0" : t;
 }
 

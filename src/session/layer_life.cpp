@@ -10,6 +10,7 @@
 #include "model/companion_file.h"
 #include "model/file_util.h"
 #include "platform/image_io.h"
+#include "session/lyr_files.h"
 #include "session/project.h"
 #include "session/undo.h"
 #include "store/dbf_store.h"
@@ -118,6 +119,15 @@ int ShapeTypeOfKind(const std::string& kindWord) {
   return 0;
 }
 
+std::string KindWordList() {
+  std::string out;
+  for (const auto& [word, code] : kKinds) {
+    if (code == 100) continue; // the mask layout is no kind of the make menus
+    out += (out.empty() ? "" : ", ") + std::string(word);
+  }
+  return out;
+}
+
 void OpenLyrFile(Session& s, int index, const std::string& path) {
   s.LyrErrText.clear();
   std::string ext = ExtOf(path);
@@ -190,6 +200,12 @@ void CheckFirstLyrUnits(Session& s, int index) {
 void MakeNewLyr(Session& s, const std::string& path, int shapeType, const std::string& kindWord,
                 bool add) {
   if (DialogsBlock(s, "making New layer")) return;
+  // Making the files anew would empty a layer that is open on them.
+  if (int open = FindLyrOnFiles(s, path)) {
+    LogMsg(s, " *** Make New " + kindWord + " Layer " + path + " has been canceled *** ");
+    LogMsg(s, "Layer " + s.Lyr[open].LyrName + " is open on these files");
+    return;
+  }
   int slot = FindFreeWorkLyr(s);
   LyrLock(s, slot, true, "Make New Shape File");
   NewShp(s, slot, path, shapeType);

@@ -10,6 +10,8 @@ namespace velmora {
 
 // The twelve kinds a user can make, and "MASKLAYOUT"; 0 for an unknown word.
 int ShapeTypeOfKind(const std::string& kindWord);
+// The twelve kind words, in the order of the make menus, separated by ", ".
+std::string KindWordList();
 
 void AddShape(Session& s, const std::string& path, bool readOnly);
 void OpenLyrFile(Session& s, int index, const std::string& path);
@@ -41,6 +43,7 @@ bool ConfirmReloadLyr(Session& s, int index);
 bool ConfirmCloseProject(Session& s, const std::function<bool(Session&)>& saveProject = nullptr);
 void CheckFirstLyrUnits(Session& s, int index);
 // Makes the empty layer file of the kind (in a work slot) and adds it: the make-new menu.
+// Refused when a layer of the session is open on the files it would write.
 void MakeNewLyr(Session& s, const std::string& path, int shapeType, const std::string& kindWord,
                 bool add);
 void ReloadLyr(Session& s, int index);

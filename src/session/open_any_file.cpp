@@ -17,7 +17,7 @@ void OpenAnyFile(Session& s, const std::string& given) {
   const std::string ext = ExtOf(path);
 
   if (ext == "qmt") {
-    if (ConfirmCloseProject(s)) LoadProject(s, path);
+    if (!ProjectOpenRefused(s) && ConfirmCloseProject(s)) LoadProject(s, path);
   } else if (ext == "shp" || (IsImageExt(ext) && ext != "tif" && ext != "png")) {
     AddShape(s, path, false);
   } else if (ext == "dbf" || ext == "shx") {

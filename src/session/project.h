@@ -34,6 +34,10 @@ void ReadProject(Session& s, const std::string& path);
 inline void LoadProject(Session& s, const std::string& path) {
   ReadProject(s, path);
 }
+// A project may not open while a function runs: it would close the layer under it. When
+// one runs, asks whether to terminate it (the first busy layer's function), logs the
+// refusal " *** Open Project has been canceled *** " and returns true.
+bool ProjectOpenRefused(Session& s);
 // Saves every changed layer and writes the project; LyrErr 1 on failure.
 void WriteProject(Session& s, const std::string& path);
 

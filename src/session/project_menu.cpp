@@ -43,8 +43,25 @@ void ClearProject(Session& s) {
   s.host->MapRedraw();
 }
 
+bool ProjectOpenRefused(Session& s) {
+  if (!AnyLyrBusy(s)) return false;
+  for (int i = 1; i <= s.LyrCount; ++i) {
+    if (!s.Lyr[i].LyrBusy) continue;
+    const std::string source = s.Lyr[i].Fsource;
+    bool yes = s.host->MsgBox("  Would you like to Terminate " + s.Lyr[i].BusyFunc +
+                                  " Function in layer " + s.Lyr[i].LyrName + " ?   ",
+                              "Terminate Message Box ", MsgButtons::YesNo,
+                              MsgAnswer::No) == MsgAnswer::Yes;
+    // The box is a turn of the event loop: the row is taken anew.
+    if (yes && i <= s.LyrCount && s.Lyr[i].Fsource == source) SetLyrTerminate(s, i, true);
+    break;
+  }
+  LogMsg(s, " *** Open Project has been canceled *** ");
+  return true;
+}
+
 void OpenProjectMenu(Session& s, const std::function<std::string()>& askPath) {
-  if (BusyRefusal(s, "Open Project")) return;
+  if (ProjectOpenRefused(s)) return;
   if (!ConfirmCloseProject(s)) return;
   std::string path = askPath ? askPath() : std::string();
   if (path.empty()) return;

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "frame/log.h"
+#include "model/c_numbers.h"
 #include "model/datum_table.h"
 #include "model/file_util.h"
 #include "session/layer_life.h"
@@ -68,15 +69,6 @@ void PutDatums(Session& s, const ProjectFileData& d) {
     else
       AddDatum(s, DatumDef{}, d.Trans[k]);
   }
-}
-
-std::string VersionText(const Session& s, double v) {
-  char buf[64];
-  std::snprintf(buf, sizeof buf, "%.3f", v);
-  std::string t = buf;
-  for (char& c : t)
-    if (c == '.') c = s.Locale.DecimalSep;
-  return t;
 }
 
 } // namespace
@@ -188,7 +180,8 @@ void ReadProject(Session& s, const std::string& path) {
     MapFitHist(s);
   }
   s.MapView.MapTool = 2; // zoom in
-  LogMsg(s, "Open Project  " + s.ProjFile + "   ->    Version : " + VersionText(s, s.ProjVersion));
+  // The version as "0.000" with a point in every locale: a figure that is read back.
+  LogMsg(s, "Open Project  " + s.ProjFile + "   ->    Version : " + FixedText(s.ProjVersion, 3));
 }
 
 } // namespace velmora

@@ -1,9 +1,8 @@
-#include <cerrno>
-#include <cstdio>
 #include <cstring>
 
 #include "frame/log.h"
 #include "model/file_util.h"
+#include "model/safe_file.h"
 #include "session/layer_life.h"
 #include "session/map_init.h"
 #include "session/project.h"
@@ -138,16 +137,10 @@ void WriteTail(const Session& s, Out& o) {
 } // namespace
 
 void WriteProject(Session& s, const std::string& path) {
+  const std::string oldProjFile = s.ProjFile;
   s.ProjFile = ChangeExt(path, "qmt");
-  KillFile(s.ProjFile);
   s.LyrErr = 0;
   s.ProjChanged = 0;
-  std::FILE* f = std::fopen(NativePath(s.ProjFile).c_str(), "wb");
-  if (!f) {
-    LogMsg(s, " *** Save has been canceled  : " + std::string(std::strerror(errno)) + " *** ");
-    s.LyrErr = 1;
-    return;
-  }
   Out o;
   WriteHead(s, o);
   for (int n = 1; n <= s.LyrCount; ++n) {
@@ -157,13 +150,14 @@ void WriteProject(Session& s, const std::string& path) {
     WriteRowRest(o, s.Lyr[n]);
   }
   WriteTail(s, o);
-  bool ok = std::fwrite(o.b.data(), 1, o.b.size(), f) == o.b.size();
-  int err = errno;
-  ok = std::fclose(f) == 0 && ok;
-  if (!ok) {
-    LogMsg(s, " *** Save has been canceled  : " + std::string(std::strerror(err ? err : errno)) +
-                  " *** ");
+  // The old project stays whole until the new one is complete on disk.
+  std::string why;
+  std::string_view bytes(reinterpret_cast<const char*>(o.b.data()), o.b.size());
+  if (!SafeWriteFile(s.ProjFile, bytes, &why)) {
+    LogMsg(s, " *** Save has been canceled  : " + why + " *** ");
     s.LyrErr = 1;
+    s.ProjChanged = -1; // what is in memory is still not in any file
+    s.ProjFile = oldProjFile;
     return;
   }
   s.LyrErr = 0; // a layer's own save reports itself

@@ -1,9 +1,8 @@
 // Boxes, extent, label anchors and the measures of lengths and areas.
 #include <cmath>
-#include <cstdio>
-#include <cstdlib>
 
 #include "frame/busy.h"
+#include "model/c_numbers.h"
 #include "store/shp_access.h"
 #include "store/shp_bytes.h"
 #include "store/shp_file.h"
@@ -19,9 +18,8 @@ namespace {
 // nine decimal places and read back.
 double Round9(double v) {
   if (!std::isfinite(v)) return v;
-  char buf[512];
-  std::snprintf(buf, sizeof buf, "%.9f", v);
-  return std::strtod(buf, nullptr);
+  LeadingNumber(FixedText(v, 9), v);
+  return v;
 }
 
 bool ClosedChain(int t) {
@@ -219,11 +217,12 @@ void ValidateLyrBoundaries(Session& s, int lyr) {
   if (!rf.Started()) return;
   int32_t count = s.Lyr[lyr].Shp.RecCount;
   for (int32_t i = 1; i <= count; ++i) {
-    if (lyr > s.LyrCount || i > s.Lyr[lyr].Shp.RecCount) break;
-    RecalcRecBox(s, lyr, i);
+    // The row's number may change while the function yields.
+    if (i > s.Lyr[rf.Layer()].Shp.RecCount) break;
+    RecalcRecBox(s, rf.Layer(), i);
     if (rf.Step(i, int64_t(count) + 1)) break;
   }
-  if (!rf.Terminated() && lyr <= s.LyrCount) RecalcExtent(s, lyr);
+  if (!rf.Terminated()) RecalcExtent(s, rf.Layer());
   rf.Finish();
 }
 

@@ -69,8 +69,10 @@ bool AddFieldToLyr(Session& s, int lyr, const std::string& name, char typeLetter
     return false;
   }
 
+  // The layer's number may change while the function yields: rf.Layer() follows it.
   const int rows = s.Lyr[lyr].Dbf.DbfRecCount;
   for (int row = 0; row < rows; ++row) {
+    lyr = rf.Layer();
     ReadDbfRec(s, lyr, row);
     ClearDbfBuf(s, w);
     for (int f = 0; f <= oldFields; ++f) {
@@ -88,6 +90,7 @@ bool AddFieldToLyr(Session& s, int lyr, const std::string& name, char typeLetter
   SetDbfRecCount(s, w, rows);
   CloseDbf(s, w);
   ClearLyr(s, w);
+  lyr = rf.Layer();
 
   // The rebuilt table holds the unsaved rows of the swap file too, so the swap goes. The
   // rename replaces the old file in one step; should it fail, the new table stays beside it.

@@ -23,11 +23,13 @@
 
 #include "frame/busy.h"
 #include "model/file_util.h"
+#include "platform/qt/qt_screen.h"
 #include "session/commands.h"
 #include "session/layer_life.h"
 #include "session/layer_list_ops.h"
 #include "session/layer_menus.h"
 #include "session/project.h"
+#include "session/start_session.h"
 #include "session/undo.h"
 #include "store/shp_store.h"
 #include "ui/coords_convert_dialog.h"
@@ -49,11 +51,16 @@ MainWindow::MainWindow(Session& s, QtHost& host, QWidget* parent)
   setAcceptDrops(true);
   host_.SetWindow(this);
 
-  // The view size follows the screen, not the window.
+  // The view size follows the screen, not the window; the map's scale follows the screen's
+  // real pixel density.
   if (QScreen* sc = QGuiApplication::primaryScreen()) {
     s_.MapView.ViewW = int(sc->size().width() * 0.71);
     s_.MapView.ViewH = int(sc->size().height() * 0.67);
   }
+  const ScreenMeasures screen = MeasureScreen(nullptr);
+  s_.View.PixPerMeter = screen.PixPerMeter;
+  s_.View.TwipsPerPixelX = screen.TwipsPerPixelX;
+  s_.View.TwipsPerPixelY = screen.TwipsPerPixelY;
 
   map_ = new MapWidget(s_, this);
   map_->setObjectName("EditPic");
@@ -490,6 +497,10 @@ void MainWindow::dropEvent(QDropEvent* e) {
   for (const QUrl& u : urls)
     if (u.isLocalFile()) paths << u.toLocalFile();
   OpenPaths(paths);
+}
+
+bool MainWindow::RunStartLine(const std::vector<std::string>& args) {
+  return StartSession(s_, args) && close();
 }
 
 void MainWindow::closeEvent(QCloseEvent* e) {

@@ -30,6 +30,10 @@ public:
   void ShowLog();
   // Toolbar, menus, caption and status text from the session.
   void SyncUi();
+  // The start-up: the program's command line through StartSession. When it ends in EXIT
+  // the window closes by its own way out, which asks before unsaved edits are dropped.
+  // True when the program is to end now.
+  bool RunStartLine(const std::vector<std::string>& args);
 
   MapWidget* Map() const { return map_; }
   LayerListWidget* LayerList() const { return list_; }

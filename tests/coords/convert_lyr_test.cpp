@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <set>
 
 #include "coords/convert_lyr.h"
@@ -7,6 +8,7 @@
 #include "coords/image_warp.h"
 #include "coords/utm_transform.h"
 #include "frame/busy.h"
+#include "session/layer_life.h"
 #include "test_support.h"
 
 namespace velmora {
@@ -267,6 +269,90 @@ TEST(DisplayXY, LayerAndMapKinds) {
   EXPECT_NEAR(back.Y, 45, 1e-9);
   s.MeasCoordsIdx = 0; // record 0 has no axes: left alone
   EXPECT_EQ(ToDisplayXY(s, g, 1).X, g.X);
+}
+
+// A host whose event loop runs what the test puts in it, once per turn.
+struct ScriptedHost : test::RecordingHost {
+  std::vector<std::function<void()>> turns;
+  void Yield() override {
+    ++yields;
+    if (yields <= int(turns.size()) && turns[size_t(yields - 1)]) turns[size_t(yields - 1)]();
+  }
+};
+
+void FakeLayer(Session& s, int n, const std::string& name, int recs) {
+  LyrRec& l = s.Lyr[n];
+  l.LyrName = name;
+  l.Fsource = "/data/" + name + ".shp";
+  l.LyrKind = 1;
+  l.Shp.RecCount = recs;
+  l.Shp.ShpRecs.resize(size_t(recs) + 1);
+  LeftExtend(l) = 8, BottomExtend(l) = 44, RightExtend(l) = 10, TopExtend(l) = 46;
+  for (int i = 1; i <= recs; ++i) {
+    ShpRecord& r = l.Shp.ShpRecs[size_t(i)];
+    r.ShapeType = 1;
+    r.LabelX = 9, r.LabelY = 45;
+  }
+}
+
+TEST(ConvertCoordsMoves, TheConversionFollowsItsLayerWhenALayerAboveIsRemoved) {
+  ScriptedHost host;
+  Session s{host};
+  s.Lyr.Resize(3);
+  s.LyrCount = 3;
+  FakeLayer(s, 1, "above", 2);
+  FakeLayer(s, 2, "roads", 3);
+  FakeLayer(s, 3, "below", 2);
+  host.turns = {[&] { RemoveLyr(s, 1, false); }};
+  ConvertCoordsArgs a;
+  a.Lyr = 2, a.Datum = 23, a.ZoneText = "32";
+  EXPECT_EQ(ConvertCoordsCmd(s, a), ConvertStatus::Converted);
+  ASSERT_EQ(s.LyrCount, 2);
+  XY label = LatLonToUTM(s, 45, 9, 32, false, 23);
+  for (int i = 1; i <= 3; ++i) EXPECT_EQ(s.Lyr[1].Shp.ShpRecs[size_t(i)].LabelX, label.X) << i;
+  EXPECT_EQ(s.Lyr[1].Shp.ShpChanged, -1);
+  EXPECT_EQ(s.Lyr[1].LyrBusy, 0);
+  // The layer that moved into number 2 is untouched.
+  EXPECT_EQ(s.Lyr[2].LyrName, "below");
+  EXPECT_EQ(s.Lyr[2].Shp.ShpRecs[1].LabelX, 9.0);
+  EXPECT_EQ(s.Lyr[2].Shp.ShpChanged, 0);
+  EXPECT_EQ(host.logged.back(), "Converting Coordinates System in Layer roads from Geographic to "
+                                "World Geodetic System 1984 (WGS 84)");
+}
+
+TEST(ConvertCoordsMoves, ALayerGoneUnderTheConversionStopsItWithoutReadingPastTheTable) {
+  ScriptedHost host;
+  Session s{host};
+  s.Lyr.Resize(2);
+  s.LyrCount = 2;
+  FakeLayer(s, 1, "keep", 2);
+  FakeLayer(s, 2, "roads", 3);
+  host.turns = {[&] {
+    s.Lyr.Resize(1);
+    s.LyrCount = 1;
+  }};
+  ConvertCoordsArgs a;
+  a.Lyr = 2, a.Datum = 23, a.ZoneText = "32";
+  EXPECT_EQ(ConvertCoordsCmd(s, a), ConvertStatus::Terminated);
+  EXPECT_EQ(host.yields, 1);
+  EXPECT_EQ(s.Lyr[1].Shp.ShpRecs[1].LabelX, 9.0);
+  ASSERT_GE(host.logged.size(), 2u);
+  EXPECT_EQ(host.logged[host.logged.size() - 2],
+            " *** A Function has been terminated in the closed Layer *** ");
+  EXPECT_EQ(host.logged.back(), " *** Converting Coordinates System in Layer roads from "
+                                "Geographic to World Geodetic System 1984 (WGS 84) has been "
+                                "canceled *** ");
+}
+
+TEST(ConvertCoords, ZoneTextsUnderACommaLocale) {
+  test::GermanLocale de;
+  ASSERT_TRUE(de.Ok()) << "run scripts/bootstrap";
+  int z = 0;
+  EXPECT_TRUE(ZoneTextOk("32.4", z));
+  EXPECT_EQ(z, 32);
+  EXPECT_TRUE(ZoneTextOk("59.6", z)); // rounded to the nearest zone, not cut at the point
+  EXPECT_EQ(z, 60);
+  EXPECT_FALSE(ZoneTextOk("0.4", z));
 }
 
 } // namespace

@@ -195,5 +195,44 @@ TEST(PrjFile, ScrambledTextsAreHarmless) {
   }
 }
 
+TEST(PrjFile, ReadUnderACommaLocaleAsUnderC) {
+  std::string dir = test::TempDir("prj locale");
+  BngPrj(dir);
+  test::WriteFile(dir + "/tm.prj",
+                  "PROJCS[\"Local TM\",GEOGCS[\"x\",DATUM[\"d\",SPHEROID[\"Intl\",6378388.0,"
+                  "297.0]]],PROJECTION[\"Transverse_Mercator\"],PARAMETER[\"False_Easting\","
+                  "500000.5],PARAMETER[\"False_Northing\",-1.25e3],PARAMETER[\"Central_Meridian\","
+                  "+10.333333333333],PARAMETER[\"Scale_Factor\",0.9996],"
+                  "PARAMETER[\"Latitude_Of_Origin\",.5]]");
+  auto load = [&] {
+    Session s;
+    LoadPrjFile(s, dir + "/bng.shp");
+    LoadPrjFile(s, dir + "/tm.shp");
+    EXPECT_EQ(s.DatumTbl.size(), 26u);
+    return s.DatumTbl;
+  };
+  std::vector<DatumRec> c = load();
+  test::GermanLocale de;
+  ASSERT_TRUE(de.Ok()) << "run scripts/bootstrap";
+  std::vector<DatumRec> g = load();
+  ASSERT_EQ(g.size(), c.size());
+  for (size_t i = 24; i < c.size(); ++i) {
+    EXPECT_EQ(g[i].SMA, c[i].SMA);
+    EXPECT_EQ(g[i].SMB, c[i].SMB);
+    EXPECT_EQ(g[i].Flattining, c[i].Flattining);
+    EXPECT_EQ(g[i].FEast, c[i].FEast);
+    EXPECT_EQ(g[i].FNorth, c[i].FNorth);
+    EXPECT_EQ(g[i].CM, c[i].CM);
+    EXPECT_EQ(g[i].SF, c[i].SF);
+    EXPECT_EQ(g[i].LatOrg, c[i].LatOrg);
+  }
+  EXPECT_EQ(g[24].SF, 0.9996012717);
+  EXPECT_EQ(g[25].FEast, 500000.5);
+  EXPECT_EQ(g[25].FNorth, -1250.0);
+  EXPECT_EQ(g[25].CM, 10.333333333333);
+  EXPECT_EQ(g[25].LatOrg, 0.5);
+  EXPECT_EQ(g[25].Flattining, 297.0);
+}
+
 } // namespace
 } // namespace velmora

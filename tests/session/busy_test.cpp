@@ -1,7 +1,13 @@
 #include <gtest/gtest.h>
 
+#include <functional>
+
 #include "cmd_test_util.h"
 #include "frame/busy.h"
+#include "frame/lyr_slots.h"
+#include "session/commands.h"
+#include "session/layer_life.h"
+#include "session/project.h"
 #include "test_support.h"
 
 using namespace velmora;
@@ -146,4 +152,106 @@ TEST(BusyProtocol, OpenDialogsInTheirFixedOrder) {
   EXPECT_EQ(host.boxes[0], "Close menu(s) Message Box|Please close \"Add records\", \"Edit "
                            "Feature Data\", \"Find by Data\", \"Data Table\", menu(s) before "
                            "deleting layer");
+}
+
+namespace {
+
+// A host whose event loop runs what the test puts in it, once per turn.
+struct ScriptedHost : test::RecordingHost {
+  std::vector<std::function<void()>> turns;
+  void Yield() override {
+    RecordingHost::Yield();
+    if (yields <= int(turns.size()) && turns[size_t(yields - 1)]) turns[size_t(yields - 1)]();
+  }
+};
+
+} // namespace
+
+TEST(BusyProtocol, ARunningFunctionFollowsItsLayerWhenOtherLayersMove) {
+  ScriptedHost host;
+  Session s(host);
+  AddLayers(s, 3);
+  RunningFunction rf(s, 3, "Build Network");
+  ASSERT_TRUE(rf.Started());
+  host.turns = {[&] { RemoveLyr(s, 1, false); }, [&] { SwapLyr(s, 1, 2); }, nullptr};
+  EXPECT_FALSE(rf.Step(1, 3)); // the row above went: l3.shp is row 2 now
+  EXPECT_EQ(rf.Layer(), 2);
+  EXPECT_FALSE(rf.Step(2, 3)); // moved to the top
+  EXPECT_EQ(rf.Layer(), 1);
+  EXPECT_EQ(s.Lyr[1].Fsource, "/data/l3.shp");
+  // Terminate reaches it under its new number.
+  s.Lyr[1].LyrTerminate = -1;
+  EXPECT_TRUE(rf.Step(3, 3));
+  EXPECT_EQ(host.logged.back(),
+            " *** Function Build Network in Layer l3.shp has been terminated *** ");
+  rf.Finish();
+  EXPECT_FALSE(s.Lyr[1].LyrBusy);
+  EXPECT_EQ(s.Lyr[1].BusyFunc, "");
+  EXPECT_FALSE(s.Lyr[2].LyrBusy);
+}
+
+TEST(BusyProtocol, AFunctionWhoseLayerWentNeverTouchesTheRowThatTookItsNumber) {
+  ScriptedHost host;
+  Session s(host);
+  AddLayers(s, 3);
+  s.Lyr[3].BusyFunc = "kept";
+  {
+    RunningFunction rf(s, 2, "Build Network");
+    // Gone by a way other than RemoveLyr (which refuses a busy layer): l3 takes number 2.
+    host.turns = {[&] {
+      s.Lyr[2] = std::move(s.Lyr[3]);
+      s.Lyr.Resize(2);
+      s.LyrCount = 2;
+    }};
+    EXPECT_TRUE(rf.Step(1, 5));
+    EXPECT_TRUE(rf.Gone());
+    EXPECT_EQ(host.logged.back(), " *** A Function has been terminated in the closed Layer *** ");
+    const size_t said = host.logged.size();
+    EXPECT_TRUE(rf.Step(2, 5)); // still stopped, and said once
+    EXPECT_EQ(host.logged.size(), said);
+  }
+  EXPECT_EQ(s.Lyr[2].Fsource, "/data/l3.shp");
+  EXPECT_EQ(s.Lyr[2].BusyFunc, "kept");
+  EXPECT_FALSE(s.Lyr[2].LyrBusy);
+}
+
+TEST(BusyProtocol, OpeningAProjectWhileAFunctionRunsIsRefusedWithTheBusyQuestion) {
+  test::RecordingHost host;
+  Session s(host);
+  AddLayers(s, 2);
+  LyrLock(s, 2, true, "Build Tin Surface");
+  const std::string question =
+      "Terminate Message Box |  Would you like to Terminate Build Tin Surface Function in layer "
+      "l2.shp ?   ";
+  host.answers = {MsgAnswer::No};
+  ArgStrSplit(s, "OPEN PROJECT /data/other.qmt");
+  ArgStrExecute(s);
+  ASSERT_EQ(host.boxes, std::vector<std::string>{question});
+  EXPECT_EQ(host.logged.back(), " *** Open Project has been canceled *** ");
+  EXPECT_FALSE(s.Lyr[2].LyrTerminate);
+
+  host.answers = {MsgAnswer::Yes};
+  OpenAnyFile(s, "/data/other.qmt");
+  EXPECT_EQ(host.boxes.size(), 2u);
+  EXPECT_TRUE(s.Lyr[2].LyrTerminate); // Yes asks the function to stop; the open is refused
+
+  bool asked = false;
+  OpenProjectMenu(s, [&] {
+    asked = true;
+    return std::string("/data/other.qmt");
+  });
+  EXPECT_FALSE(asked);
+  EXPECT_EQ(host.logged.back(), " *** Open Project has been canceled *** ");
+  EXPECT_EQ(s.LyrCount, 2);
+  EXPECT_EQ(s.Lyr[2].Fsource, "/data/l2.shp");
+  EXPECT_TRUE(s.Lyr[2].LyrBusy);
+
+  // A work slot alone: refused without a question.
+  LyrLock(s, 2, false, "");
+  LyrLock(s, -3, true, "Make New Shape File");
+  host.boxes.clear();
+  EXPECT_TRUE(ProjectOpenRefused(s));
+  EXPECT_TRUE(host.boxes.empty());
+  LyrLock(s, -3, false, "");
+  EXPECT_FALSE(ProjectOpenRefused(s));
 }

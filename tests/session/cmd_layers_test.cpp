@@ -204,3 +204,84 @@ TEST_F(CmdLayers, AListMakesAndFillsALayer) {
   EXPECT_NE(info.find("Kind (String) = box"), std::string::npos) << info;
   EXPECT_NE(info.find("POLYGON ((0 0,0 1,1 1,0 0))"), std::string::npos) << info;
 }
+
+TEST_F(CmdLayers, MakeLayerRefusesAnUnknownKindAndTheFilesOfAnOpenLayer) {
+  Exec(s, "MAKE LAYER '" + dir + "new.shp' AS POLYLINEZ");
+  ASSERT_EQ(host.logged.size(), 2u);
+  EXPECT_EQ(host.logged[0], " *** Make New Layer " + dir + "new.shp has been canceled *** ");
+  EXPECT_EQ(host.logged[1], "The kind is one of POINT, POINTM, POINTMZ, POLYLINE, POLYLINEM, "
+                            "POLYLINEMZ, POLYGON, POLYGONM, POLYGONMZ, MULTIPOINTS, "
+                            "MULTIPOINTSM, MULTIPOINTSMZ");
+  EXPECT_FALSE(FileExists(dir + "new.shp"));
+
+  // The open layer's files, named by their .shp in another case or by a companion.
+  const std::string base = path.substr(0, path.size() - 4);
+  std::string before;
+  for (const char* ext : {".shp", ".shx", ".dbf"}) before += test::ReadFile(base + ext);
+  host.logged.clear();
+  Exec(s, "MAKE LAYER '" + dir + "LINES.SHP' AS POLYGON");
+  Exec(s, "MAKE LAYER '" + base + ".dbf'");
+  ASSERT_EQ(host.logged.size(), 4u);
+  EXPECT_EQ(host.logged[0],
+            " *** Make New POLYGON Layer " + dir + "LINES.SHP has been canceled *** ");
+  EXPECT_EQ(host.logged[1], "Layer lines.shp is open on these files");
+  EXPECT_EQ(host.logged[2], " *** Make New POINT Layer " + base + ".shp has been canceled *** ");
+  std::string after;
+  for (const char* ext : {".shp", ".shx", ".dbf"}) after += test::ReadFile(base + ext);
+  EXPECT_EQ(after, before);
+  EXPECT_EQ(s.Lyr[1].Shp.RecCount, 2);
+
+  // Any case of a good kind word makes its layer.
+  host.logged.clear();
+  Exec(s, "MAKE LAYER '" + dir + "fresh.shp' AS polylinemz");
+  ASSERT_EQ(host.logged.size(), 1u);
+  EXPECT_EQ(host.logged[0], "Make New POLYLINEMZ Layer " + dir + "fresh.shp");
+  const std::string made = test::ReadFile(dir + "fresh.shp");
+  ASSERT_GE(made.size(), 100u);
+  EXPECT_EQ(made[32], 13); // PolyLineZ
+}
+
+TEST_F(CmdLayers, ANumberValCannotHoldIsTheRunTimeErrorAndNeverReachesTheFile) {
+  const std::string q = "'" + path + "'";
+  Exec(s, "ADD FEATURE " + q + " 0 1e400 5 NAME=inf EXIT");
+  Exec(s, "Insert Vertex " + q + " 1 0 1 -1E400 0");
+  Exec(s, "Delete Feature " + q + " 1D999");
+  EXPECT_EQ(host.logged, std::vector<std::string>(3, " *** Error in ArgStrExecute ***"));
+  ASSERT_EQ(s.LyrCount, 1); // the EXIT tail did not run
+  EXPECT_EQ(s.Lyr[1].Shp.RecCount, 2);
+  EXPECT_EQ(Part(1, 0).Size(), 3u);
+  EXPECT_FALSE(IsDeleted(s, 1, 1));
+  // A tiny number is 0, no error.
+  host.logged.clear();
+  Exec(s, "Insert Vertex " + q + " 1 0 1 1e-400 0");
+  EXPECT_TRUE(host.logged.empty());
+  EXPECT_EQ(Part(1, 0).Size(), 4u);
+  Exec(s, "SAVE LAYER " + q);
+  std::string info = Info(path);
+  EXPECT_EQ(info.find("inf"), std::string::npos) << info;
+  EXPECT_NE(info.find("(0 0,0 0,1 0,2 0)"), std::string::npos) << info;
+}
+
+TEST_F(CmdLayers, EditorCommandsSayTheyAreNotAvailableYet) {
+  const std::string q = " '" + path + "' ";
+  const std::pair<const char*, const char*> lines[] = {
+      {"MoveLen Vertex", "1 0 0 0 1 1 0 0"},    {"MoveTo Vertex", "1 0 0 5 5 0 0"},
+      {"Rotate Vertex", "1 0 0 0 0 90 0 0"},    {"Scale Vertex", "1 0 0 0 0 2 2 0 0"},
+      {"Combine Feature", "1 0 0 0 1 2 0 0 0"}, {"UnCombine Feature", "1 2"},
+      {"Divide Feature", "1 0 1 0 3"},          {"UnDivide Feature", "1 3"},
+  };
+  for (const auto& [words, numbers] : lines) {
+    host.logged.clear();
+    Exec(s, words + q + numbers);
+    ASSERT_EQ(host.logged.size(), 1u) << words;
+    EXPECT_EQ(host.logged[0],
+              std::string(" *** ") + words + " lines.shp is not available yet *** ");
+  }
+  EXPECT_FALSE(s.Lyr[1].Shp.ShpChanged);
+  // In a .lst the refusal stands in the log before the end of the run.
+  host.logged.clear();
+  test::WriteFile(dir + "div.lst", "Divide Feature" + q + "1 0 1 0 3\n");
+  RunLstFile(s, dir + "div.lst");
+  ASSERT_EQ(host.logged.size(), 3u);
+  EXPECT_EQ(host.logged[1], " *** Divide Feature lines.shp is not available yet *** ");
+}

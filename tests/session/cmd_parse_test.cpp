@@ -146,9 +146,9 @@ TEST(CmdParse, MakeLayerKindAndExistingPath) {
   EXPECT_EQ(One(s, "MAKE LAYER /data/n.shp").Text, "POINT");
   // A word other than AS in place 3: the kind is ignored.
   EXPECT_EQ(One(s, "MAKE LAYER /data/n.shp LIKE POLYGON").Text, "POINT");
-  // Only if no layer has the path.
+  // A layer of the path is found for the EXIT tail; the make itself refuses its files.
   CmdCall c = One(s, "MAKE LAYER /DATA/L1.SHP AS POLYGON");
-  EXPECT_EQ(c.Op, CmdOp::None);
+  EXPECT_EQ(c.Op, CmdOp::MakeLayer);
   EXPECT_EQ(c.Lyr, 1);
   EXPECT_EQ(One(s, "OPEN LAYER /data/l1.shp").Op, CmdOp::None);
 }

@@ -12,8 +12,10 @@ inline void AddLayers(Session& s, int n, int recs = 5) {
   s.LyrCount = n;
   for (int i = 1; i <= n; ++i) {
     SetLyrDefaults(s, i);
-    s.Lyr[i].LyrName = "l" + std::to_string(i) + ".shp";
-    s.Lyr[i].Fsource = "/data/l" + std::to_string(i) + ".shp";
+    // Appended, not "l" + std::to_string(i): GCC 12 warns falsely of an overlapping copy
+    // (-Wrestrict) where a short literal is put in front of a temporary.
+    s.Lyr[i].LyrName = std::string("l").append(std::to_string(i)).append(".shp");
+    s.Lyr[i].Fsource = std::string("/data/l").append(std::to_string(i)).append(".shp");
     s.Lyr[i].LyrKind = 1;
     s.Lyr[i].Shp.RecCount = recs;
   }

@@ -218,7 +218,9 @@ TEST(LayerLife, ConfirmationsAskWithTheirTextsAndAct) {
             " Close Project Message Box |  Would you like to save the changes to /p/x.qmt ?   ");
   f.host.answers = {MsgAnswer::Yes};
   EXPECT_FALSE(ConfirmCloseProject(f.s));
-  // A project saved while a layer's changes were not: the session stays.
+  // A project saved while a layer's changes were not: the session stays. (The Yes above
+  // saved the layer before the project's own write failed: mark it changed again.)
+  f.s.Lyr[1].Shp.ShpChanged = -1;
   f.host.answers = {MsgAnswer::Yes};
   EXPECT_FALSE(ConfirmCloseProject(f.s, [](Session&) { return true; }));
   f.host.answers = {MsgAnswer::Yes};

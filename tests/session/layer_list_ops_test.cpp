@@ -16,7 +16,7 @@ struct ListFixture : ::testing::Test {
     s.LyrCount = 5;
     for (int i = 1; i <= 5; ++i) {
       SetLyrDefaults(s, i);
-      s.Lyr[i].LyrName = "L" + std::to_string(i);
+      s.Lyr[i].LyrName = std::string("L").append(std::to_string(i)); // see AddLayers
     }
   }
   std::string Names() {

@@ -13,8 +13,8 @@ void AddRows(Session& s, int n) {
   s.LyrCount = n;
   for (int i = 1; i <= n; ++i) {
     SetLyrDefaults(s, i);
-    s.Lyr[i].LyrName = "L" + std::to_string(i);
-    s.Lyr[i].Fsource = "/data/l" + std::to_string(i) + ".shp";
+    s.Lyr[i].LyrName = std::string("L").append(std::to_string(i)); // see AddLayers
+    s.Lyr[i].Fsource = std::string("/data/l").append(std::to_string(i)).append(".shp");
   }
 }
 

@@ -1,7 +1,12 @@
 // Projects written and read back, and the project menus with their dialogs and messages.
 #include <gtest/gtest.h>
 
+#include <csignal>
+#include <filesystem>
 #include <fstream>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include "frame/busy.h"
 #include "model/datum_table.h"
@@ -218,5 +223,49 @@ TEST_F(ProjectWrite, MenusAskTheirDialogAndLog) {
   OpenProjectMenu(s, dir + "second.qmt");
   EXPECT_EQ(s.LyrCount, 1);
   EXPECT_EQ(s.LastDir, dir);
+  CloseAllLyrs(s);
+}
+
+TEST_F(ProjectWrite, AFailedSaveLeavesTheOldProjectWholeAndSaysWhy) {
+  AddShape(s, Lines(dir, "kept"), false);
+  WriteProject(s, dir + "p.qmt");
+  ASSERT_EQ(s.LyrErr, 0);
+  const std::string old = ReadFile(dir + "p.qmt");
+  auto entries = [&] {
+    size_t n = 0;
+    for (auto& e : std::filesystem::directory_iterator(dir)) n += e.is_regular_file() ? 1 : 0;
+    return n;
+  };
+  const size_t files = entries();
+  s.Lyr[1].LyrName = "a much longer name than the layer had before, so the file grows";
+
+  // A disk that is full after a few bytes: the new file is refused before the old one goes.
+  pid_t pid = ::fork();
+  if (pid == 0) {
+    std::signal(SIGXFSZ, SIG_IGN);
+    rlimit lim{64, 64};
+    ::setrlimit(RLIMIT_FSIZE, &lim);
+    host.logged.clear();
+    WriteProject(s, dir + "p.qmt");
+    bool said = !host.logged.empty() &&
+                host.logged.back().rfind(" *** Save has been canceled  : ", 0) == 0 &&
+                host.logged.back().find("too large") != std::string::npos;
+    ::_exit(s.LyrErr == 1 && said && s.ProjChanged != 0 ? 0 : 1);
+  }
+  int status = 0;
+  ::waitpid(pid, &status, 0);
+  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+  EXPECT_EQ(ReadFile(dir + "p.qmt"), old);
+  EXPECT_EQ(entries(), files); // no temporary left behind
+
+  // A folder that isn't there: the project keeps its file and stays changed.
+  s.ProjChanged = 0;
+  WriteProject(s, dir + "no such folder/q.qmt");
+  EXPECT_EQ(s.LyrErr, 1);
+  EXPECT_EQ(LastLog().rfind(" *** Save has been canceled  : ", 0), 0u) << LastLog();
+  EXPECT_NE(LastLog().find("folder not found"), std::string::npos) << LastLog();
+  EXPECT_EQ(s.ProjFile, dir + "p.qmt");
+  EXPECT_NE(s.ProjChanged, 0);
+  EXPECT_EQ(ReadFile(dir + "p.qmt"), old);
   CloseAllLyrs(s);
 }

@@ -24,7 +24,7 @@ struct Table {
     CreateDbf(s, lyr, shp);
     for (int r = 0; r < n; ++r) {
       SetFieldValue(s, lyr, 0, " ");
-      SetFieldValue(s, lyr, 1, "r" + std::to_string(r));
+      SetFieldValue(s, lyr, 1, std::string("r").append(std::to_string(r))); // GCC 12 -Wrestrict
       SetFieldValue(s, lyr, 2, std::to_string(r / 4.0));
       WriteDbfRec(s, lyr, r);
     }

@@ -86,7 +86,7 @@ TEST(DbfUndo, AGroupOfCellsUndoesTogether) {
   for (int rec = 1; rec <= 3; ++rec) {
     ReadDbfRec(t.s, t.lyr, rec - 1);
     AddDataUndoItem(t.s, t.lyr, rec, 1, GetFieldValue(t.s, t.lyr, 1));
-    SetFieldValue(t.s, t.lyr, 1, "x" + std::to_string(rec));
+    SetFieldValue(t.s, t.lyr, 1, std::string("x").append(std::to_string(rec))); // GCC 12 -Wrestrict
     WriteDbfRecSwap(t.s, t.lyr, rec - 1);
   }
   EXPECT_EQ(t.J().UndoGroups[1].ItemCount, 3);

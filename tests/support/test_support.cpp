@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <clocale>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -70,6 +71,14 @@ std::string GdalLayer(const std::string& dir, const std::string& name,
   int st = 0;
   RunCmd("ogr2ogr -q -f 'ESRI Shapefile' " + options + " '" + shp + "' '" + csv + "' 2>&1", &st);
   return st == 0 && std::filesystem::exists(shp) ? shp : "";
+}
+
+GermanLocale::GermanLocale() {
+  ok_ = std::setlocale(LC_ALL, kName) != nullptr;
+}
+
+GermanLocale::~GermanLocale() {
+  std::setlocale(LC_ALL, "C");
 }
 
 MsgAnswer RecordingHost::MsgBox(const std::string& text, const std::string& title, MsgButtons,

@@ -18,6 +18,21 @@ std::string GdalLayer(const std::string& dir, const std::string& name,
 // Runs a shell command and returns its standard output; `status` gets the exit code.
 std::string RunCmd(const std::string& cmd, int* status = nullptr);
 
+// The comma-decimal German locale that scripts/bootstrap generates, for the life of the
+// object; the C locale again afterwards. Ok() is false when the system lacks it.
+class GermanLocale {
+public:
+  static constexpr const char* kName = "de_DE.UTF-8";
+  GermanLocale();
+  ~GermanLocale();
+  GermanLocale(const GermanLocale&) = delete;
+  GermanLocale& operator=(const GermanLocale&) = delete;
+  bool Ok() const { return ok_; }
+
+private:
+  bool ok_ = false;
+};
+
 // A host that records what the core told it and answers message boxes from a queue.
 class RecordingHost : public Host {
 public:

@@ -11,6 +11,7 @@
 
 #include "frame/log.h"
 #include "platform/qt/qt_host.h"
+#include "platform/qt/qt_screen.h"
 #include "qt_app.h"
 #include "session/start_session.h"
 #include "test_support.h"
@@ -98,4 +99,65 @@ TEST_F(WindowTest, ProjectMenusAndTheJournalButtons) {
   // An empty journal: nothing to undo or redo.
   EXPECT_FALSE(w.findChild<QAction*>("mnuUndo")->isEnabled());
   EXPECT_FALSE(w.findChild<QAction*>("mnuRedo")->isEnabled());
+}
+
+namespace {
+
+// The window's host with its message boxes answered from a list, and the boxes kept.
+struct AnsweringHost : QtHost {
+  std::vector<MsgAnswer> answers;
+  std::vector<std::string> asked;
+  MsgAnswer MsgBox(const std::string& text, const std::string& title, MsgButtons,
+                   MsgAnswer dflt) override {
+    asked.push_back(title + "|" + text);
+    if (answers.empty()) return dflt;
+    MsgAnswer a = answers.front();
+    answers.erase(answers.begin());
+    return a;
+  }
+};
+
+struct WindowExit : ::testing::Test, AppFirst {
+  AnsweringHost host;
+  Session s{host};
+  TestWindow w{s, host};
+};
+
+} // namespace
+
+TEST_F(WindowExit, AStartLineEndingInExitAsksBeforeUnsavedEditsAreDropped) {
+  std::string dir = test::TempDir("exit");
+  const std::string p = "'" + dir + "a.shp'";
+  test::WriteFile(dir + "a.lst", "MAKE LAYER " + p + " AS POINT\nOPEN LAYER " + p +
+                                     "\nADD FEATURE " + p + " 0 1 2\n");
+  w.show();
+  host.answers = {MsgAnswer::Cancel};
+  EXPECT_FALSE(w.RunStartLine({dir + "a.lst", "EXIT"}));
+  ASSERT_EQ(host.asked.size(), 1u);
+  EXPECT_EQ(host.asked[0].rfind(" Close Project Message Box |", 0), 0u) << host.asked[0];
+  ASSERT_EQ(s.LyrCount, 1); // the edit is still in memory, the window stays
+  EXPECT_TRUE(s.Lyr[1].Shp.ShpChanged);
+  EXPECT_TRUE(w.isVisible());
+
+  host.answers = {MsgAnswer::No};
+  EXPECT_TRUE(w.close());
+  EXPECT_EQ(s.LyrCount, 0);
+
+  // Without unsaved edits nothing is asked.
+  AnsweringHost quiet;
+  Session t{quiet};
+  TestWindow other{t, quiet};
+  other.show();
+  test::WriteFile(dir + "b.lst", "SELECT all\n");
+  EXPECT_TRUE(other.RunStartLine({dir + "b.lst", "EXIT"}));
+  EXPECT_TRUE(quiet.asked.empty());
+}
+
+TEST_F(WindowTest, TheMapScaleFollowsTheScreensDensity) {
+  ScreenMeasures m = MeasureScreen(nullptr);
+  EXPECT_DOUBLE_EQ(s.View.PixPerMeter, m.PixPerMeter);
+  EXPECT_DOUBLE_EQ(s.View.TwipsPerPixelX, m.TwipsPerPixelX);
+  EXPECT_DOUBLE_EQ(s.View.TwipsPerPixelY, m.TwipsPerPixelY);
+  StartSession(s, {}); // MapInit keeps the screen's measures
+  EXPECT_DOUBLE_EQ(s.View.PixPerMeter, m.PixPerMeter);
 }

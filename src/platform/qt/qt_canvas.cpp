@@ -10,21 +10,37 @@ namespace velmora {
 
 namespace {
 
+// GDI's sixteen binary raster operations of pen P on destination D. Black and white need no
+// operation: they are the copy of a black or white pen.
 QPainter::CompositionMode RasterOp(int drawMode) {
   switch (drawMode) {
-  case 6: // not
-    return QPainter::RasterOp_NotDestination;
-  case 7: // xor pen
-    return QPainter::RasterOp_SourceXorDestination;
-  case 9: // mask pen
-    return QPainter::RasterOp_SourceAndDestination;
-  case 15: // merge pen
-    return QPainter::RasterOp_SourceOrDestination;
-  case 4: // not copy pen
+  case 2: // not merge pen: ~(P | D)
+    return QPainter::RasterOp_NotSourceAndNotDestination;
+  case 3: // mask not pen: D & ~P
+    return QPainter::RasterOp_NotSourceAndDestination;
+  case 4: // not copy pen: ~P
     return QPainter::RasterOp_NotSource;
-  case 11: // nop
+  case 5: // mask pen not: P & ~D
+    return QPainter::RasterOp_SourceAndNotDestination;
+  case 6: // not: ~D
+    return QPainter::RasterOp_NotDestination;
+  case 7: // xor pen: P ^ D
+    return QPainter::RasterOp_SourceXorDestination;
+  case 8: // not mask pen: ~(P & D)
+    return QPainter::RasterOp_NotSourceOrNotDestination;
+  case 9: // mask pen: P & D
+    return QPainter::RasterOp_SourceAndDestination;
+  case 10: // not xor pen: ~(P ^ D)
+    return QPainter::RasterOp_NotSourceXorDestination;
+  case 11: // nop: D
     return QPainter::CompositionMode_Destination;
-  default: // 13 copy pen; black and white are handled by the pen colour
+  case 12: // merge not pen: D | ~P
+    return QPainter::RasterOp_NotSourceOrDestination;
+  case 14: // merge pen not: P | ~D
+    return QPainter::RasterOp_SourceOrNotDestination;
+  case 15: // merge pen: P | D
+    return QPainter::RasterOp_SourceOrDestination;
+  default: // 1 black, 13 copy pen, 16 white
     return QPainter::CompositionMode_SourceOver;
   }
 }
@@ -101,11 +117,17 @@ void QtCanvas::Clear(Colour c) {
   p_->setCompositionMode(mode_);
 }
 
+// Black and white paint pen and brush in their colour whatever was asked for.
+QColor QtCanvas::ModeColour(Colour c) const {
+  if (drawMode_ == 1) return Qt::black;
+  if (drawMode_ == 16) return Qt::white;
+  return ToQColor(c);
+}
+
 void QtCanvas::SetPen(Colour c, int drawMode, int style, int width) {
   Begin();
-  QColor col = ToQColor(c);
-  if (drawMode == 1) col = Qt::black;
-  if (drawMode == 16) col = Qt::white;
+  drawMode_ = drawMode;
+  QColor col = ModeColour(c);
   // As on GDI, a broken line style holds only for pens one pixel wide.
   Qt::PenStyle ps = width > 1 && style != 5 ? Qt::SolidLine : LineStyle(style);
   QPen pen(col, width < 1 ? 1 : width, ps, Qt::SquareCap, Qt::MiterJoin);
@@ -113,11 +135,13 @@ void QtCanvas::SetPen(Colour c, int drawMode, int style, int width) {
   p_->setPen(pen);
   mode_ = RasterOp(drawMode);
   p_->setCompositionMode(mode_);
+  SetBrush(brushColour_, brushStyle_);
 }
 
 void QtCanvas::SetBrush(Colour c, int fillStyle) {
   Begin();
-  p_->setBrush(QBrush(ToQColor(c), FillStyle(fillStyle)));
+  brushColour_ = c, brushStyle_ = fillStyle;
+  p_->setBrush(QBrush(ModeColour(c), FillStyle(fillStyle)));
 }
 
 // PixPt and QPoint are both two ints, x then y: the points go to the painter as they are.

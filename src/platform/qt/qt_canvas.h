@@ -37,7 +37,11 @@ private:
   const QtImageIO* images_;
   std::unique_ptr<QPainter> p_;
   QPainter::CompositionMode mode_ = QPainter::CompositionMode_SourceOver;
+  int drawMode_ = 13;
+  Colour brushColour_ = 0;
+  int brushStyle_ = 1; // hollow until a brush is set
   void Begin();
+  QColor ModeColour(Colour c) const;
 };
 
 } // namespace velmora
