@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "coords/datum_types.h"
+#include "edit/edit_types.h"
 #include "platform/host.h"
 #include "session/held_lyrs.h"
 #include "session/lyr_table.h"
@@ -46,6 +47,8 @@ struct Session {
   std::vector<UndoEntry> UndoList;
   int32_t UndoPos = 0, UndoCount = 0;
   bool UndoOn = false, RedoOn = false; // the undo and redo buttons and menu items
+
+  EditVars Edit; // the map editor: hit slots, drag, drawing, movement settings
 
   std::vector<ViewHistEntry> ViewHist;
   int32_t ViewPos = 0, ViewCount = 0;
