@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "edit/draw_ops.h"
 #include "session/commands.h"
 #include "session/journal_lines.h"
 #include "store/shp_store.h"
@@ -132,8 +133,8 @@ void UndoPurgeFeature(Session& s, int lyr, int rec) {
 }
 
 void UndoRun(Session& s) {
-  // A feature being drawn would be ended here first; the editor finishes its own drawing
-  // before it hands over to the journal.
+  // A feature being drawn is finished first, so that its lines are all in the journal.
+  if (s.Edit.Drawing) FinishDrawing(s);
   if (s.MapView.MapTarget == 1 && s.UndoPos > 0 && size_t(s.UndoPos) < s.UndoList.size()) {
     const std::string line = s.UndoList[size_t(s.UndoPos)].UndoLine; // the list may change
     RunLine(s, line);
