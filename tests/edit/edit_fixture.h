@@ -45,11 +45,15 @@ struct EditFixture : ::testing::Test {
   void SetUp() override {
     MapInit(s);
     Randomize(s, 5);
+    View();
+    s.MapView.MapTool = 11;
+  }
+  // The window of 0.1 units a pixel over 0 .. 100 (opening a layer fits the map to it).
+  void View() {
     s.MapView.ViewW = 1000, s.MapView.ViewH = 1000;
     s.MapView.MapLeft = 0, s.MapView.MapRight = 100;
     s.MapView.MapTop = 100, s.MapView.MapBottom = 0;
     s.MapView.MapFactor = 0.1;
-    s.MapView.MapTool = 11;
   }
   void TearDown() override { CloseAllLyrs(s); }
 
@@ -84,6 +88,7 @@ struct EditFixture : ::testing::Test {
         }
       }
     }
+    View();
     return lyr;
   }
   std::string Path(int lyr) const { return s.Lyr[lyr].Fsource; }
