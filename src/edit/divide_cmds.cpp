@@ -98,7 +98,8 @@ bool PlaceNew(Session& s, int lyr, int src, int n, ShpRecord rec) {
   if (n == b.RecCount + 1) {
     AddRec(s, lyr);
     if (b.RecCount != n) return false;
-    if (s.Lyr[lyr].Dbf.DbfFieldCount > 0) AddRow(s, lyr, src - 1, lyr, n - 1, true);
+    AddDbfRec(s, lyr, n - 1);
+    if (s.Lyr[lyr].Dbf.DbfFieldCount > 0) CopyRow(s, lyr, src - 1, lyr, n - 1, true);
   } else if (n < 1 || n > b.RecCount) {
     return false;
   }
