@@ -40,6 +40,13 @@ void SetTool(Session& s, EditSurface& surf, int tool) {
   surf.SetToolCursor(tool);
 }
 
+// The hover test at a pixel; a change of the tool changes the cursor.
+void Hover(Session& s, EditSurface& surf, int x, int y) {
+  const int before = Tool(s);
+  const int now = HoverTest(s, x, y);
+  if (now != before) surf.SetToolCursor(now);
+}
+
 // The press of the pick in tool 11 on the release: the dragged box is the pick area.
 void PickRelease(Session& s, int shift, int x, int y) {
   EditVars& e = s.Edit;
@@ -73,7 +80,7 @@ void Down(Session& s, EditSurface& surf, int button, int shift, int x, int y) {
   if (button != kLeftButton) return;
   e.MouseDown = -1;
   const int tool = Tool(s);
-  if (tool == 13 || tool == 14 || tool == 15) SetTool(s, surf, HoverTest(s, x, y));
+  if (tool == 13 || tool == 14 || tool == 15) Hover(s, surf, x, y);
   switch (Tool(s)) {
   case 12:
     if (!DrawClick(s, e.DownWX, e.DownWY, shift)) e.MouseDown = 0;
@@ -100,7 +107,7 @@ void Move(Session& s, EditSurface& surf, int button, int shift, int x, int y) {
       DrawFollow(s, wx, wy);
       OverlayEdited(s, surf);
     } else if (Tool(s) == 11 || Tool(s) == 13 || Tool(s) == 14 || Tool(s) == 15) {
-      SetTool(s, surf, HoverTest(s, x, y));
+      Hover(s, surf, x, y);
     }
     return;
   }
