@@ -30,6 +30,8 @@ public:
   void ShowLog();
   // Toolbar, menus, caption and status text from the session.
   void SyncUi();
+  // frmMove ("MoveDistance", "MoveToXY"), frmRotateAngle or frmMoveSettings.
+  void OpenMoveDialog(const QString& name);
 
   MapWidget* Map() const { return map_; }
   LayerListWidget* LayerList() const { return list_; }
@@ -78,6 +80,7 @@ private:
   QMenu* scaleMenu_ = nullptr;
   QList<QAction*> lyrActions_; // need a layer
   QPointer<QWidget> props_, coords_, convert_;
+  QPointer<QWidget> move_, rotate_, settings_; // frmMove, frmRotateAngle, frmMoveSettings
 };
 
 } // namespace velmora
