@@ -282,7 +282,7 @@ void RunMenuEntry(Session& s, EditSurface& surf, const std::string& name) {
     }
     if (name == "mnuAddNewCircleActiveLayer") return ToggleDrawCircle(s);
     if (name == "mnuSetPivotPoint") {
-      SetPivotPoint(s, ValidHitLyr(s, e.EditHit) || s.LyrCount > 0, e.LastWX, e.LastWY);
+      SetPivotPoint(s, ValidHitLyr(s, e.EditHit), e.LastWX, e.LastWY);
       return;
     }
     if (name == "mnuMoveSettings") return surf.OpenDialog("frmMoveSettings");

@@ -4,8 +4,10 @@
 #include <gtest/gtest.h>
 
 #include <QAction>
+#include <QKeyEvent>
 #include <QMenu>
-#include <QTest>
+#include <QMouseEvent>
+#include <QPointingDevice>
 #include <fstream>
 
 #include "edit/editor.h"
@@ -34,6 +36,16 @@ struct AppFirst {
 };
 
 struct MapEdit : ::testing::Test, AppFirst {
+  // Events carry devices of the test's own: the platform's default ones would outlive the
+  // application object and fail at exit.
+  QPointingDevice mouse{"test mouse",
+                        1,
+                        QInputDevice::DeviceType::Mouse,
+                        QPointingDevice::PointerType::Generic,
+                        QInputDevice::Capability::Position,
+                        1,
+                        3};
+  QInputDevice keyboard{"test keyboard", 2, QInputDevice::DeviceType::Keyboard};
   QtHost host;
   Session s{host};
   MainWindow w{s, host};
@@ -61,7 +73,10 @@ struct MapEdit : ::testing::Test, AppFirst {
     ASSERT_EQ(lyr, 1);
     View();
   }
-  void TearDown() override { CloseAllLyrs(s); }
+  void TearDown() override {
+    CloseAllLyrs(s);
+    test::DropDefaultDevices();
+  }
   void View() {
     s.MapView.ViewW = 600, s.MapView.ViewH = 600; // the buffer follows
     s.MapView.MapLeft = 0, s.MapView.MapTop = 50, s.MapView.MapFactor = 0.1;
@@ -78,21 +93,43 @@ struct MapEdit : ::testing::Test, AppFirst {
     ASSERT_NE(a, nullptr) << name;
     a->trigger();
   }
+  void Send(QEvent::Type type, double X, double Y, Qt::MouseButton b, Qt::MouseButtons held,
+            Qt::KeyboardModifiers k) {
+    QMouseEvent e(type, P(X, Y), map()->mapToGlobal(P(X, Y)), b, held, k, &mouse);
+    QApplication::sendEvent(map(), &e);
+  }
   void Move(double X, double Y, Qt::MouseButtons b = Qt::NoButton, Qt::KeyboardModifiers k = {}) {
-    QMouseEvent e(QEvent::MouseMove, P(X, Y), map()->mapToGlobal(P(X, Y)), Qt::NoButton, b, k);
+    Send(QEvent::MouseMove, X, Y, Qt::NoButton, b, k);
+  }
+  void Press(double X, double Y, Qt::MouseButton b = Qt::LeftButton, Qt::KeyboardModifiers k = {}) {
+    Send(QEvent::MouseButtonPress, X, Y, b, b, k);
+  }
+  void Release(double X, double Y, Qt::MouseButton b = Qt::LeftButton,
+               Qt::KeyboardModifiers k = {}) {
+    Send(QEvent::MouseButtonRelease, X, Y, b, Qt::NoButton, k);
+  }
+  // A double click as the platform sends it: press, release, double click, release.
+  void DoubleClick(double X, double Y) {
+    Press(X, Y);
+    Release(X, Y);
+    Send(QEvent::MouseButtonDblClick, X, Y, Qt::LeftButton, Qt::LeftButton, {});
+    Release(X, Y);
+  }
+  void Key(Qt::Key key) {
+    QKeyEvent e(QEvent::KeyPress, key, Qt::NoModifier, 0, 0, 0, QString(), false, 1, &keyboard);
     QApplication::sendEvent(map(), &e);
   }
   void Click(double X, double Y, Qt::KeyboardModifiers k = {}) {
     Move(X, Y);
-    QTest::mousePress(map(), Qt::LeftButton, k, P(X, Y));
-    QTest::mouseRelease(map(), Qt::LeftButton, k, P(X, Y));
+    Press(X, Y, Qt::LeftButton, k);
+    Release(X, Y, Qt::LeftButton, k);
   }
   void Drag(double X1, double Y1, double X2, double Y2, Qt::KeyboardModifiers k = {}) {
     Move(X1, Y1);
-    QTest::mousePress(map(), Qt::LeftButton, k, P(X1, Y1));
+    Press(X1, Y1, Qt::LeftButton, k);
     Move((X1 + X2) / 2, (Y1 + Y2) / 2, Qt::LeftButton, k);
     Move(X2, Y2, Qt::LeftButton, k);
-    QTest::mouseRelease(map(), Qt::LeftButton, k, P(X2, Y2));
+    Release(X2, Y2, Qt::LeftButton, k);
   }
   XY V(int f, int v) const {
     return s.Lyr[lyr].Shp.ShpRecs.at(size_t(f)).Part(0).PartPoints()[size_t(v)];
@@ -143,8 +180,8 @@ TEST_F(MapEdit, APolygonDrawnWithTheMouse) {
   Move(31, 35);
   Click(30, 40);
   Move(38, 41);
-  Click(40, 40);
-  QTest::mouseDClick(map(), Qt::LeftButton, {}, P(40, 40));
+  Move(40, 40);
+  DoubleClick(40, 40);
   ASSERT_EQ(s.Lyr[lyr].Shp.RecCount, 2);
   EXPECT_FALSE(s.Edit.Drawing);
   const auto recs = Records();
@@ -167,18 +204,16 @@ TEST_F(MapEdit, DragReplayAndTheBufferUntouchedUntilRelease) {
   EXPECT_EQ(map()->cursor().shape(), Qt::SizeBDiagCursor);
   // A drag step moves the vertex; the map buffer stays as it was until the release.
   const QImage before = map()->Image().copy();
-  QTest::mousePress(map(), Qt::LeftButton, {}, P(20, 20));
+  Press(20, 20);
   Move(24, 26, Qt::LeftButton);
   EXPECT_EQ(V(1, 2).X, 24);
   EXPECT_TRUE(map()->Image() == before);
-  QTest::mouseRelease(map(), Qt::LeftButton, {}, P(24, 26));
+  Release(24, 26);
   EXPECT_FALSE(map()->Image() == before);
   // Insert a vertex on the segment (10,20)-(24,26) by a double click.
   Move(17, 23);
   ASSERT_EQ(s.MapView.MapTool, 14);
-  QTest::mousePress(map(), Qt::LeftButton, {}, P(17, 23));
-  QTest::mouseRelease(map(), Qt::LeftButton, {}, P(17, 23));
-  QTest::mouseDClick(map(), Qt::LeftButton, {}, P(17, 23));
+  DoubleClick(17, 23);
   EXPECT_EQ(s.MapView.MapTool, 15);
   EXPECT_NEAR(V(1, 2).X, 17, 0.05);
   // Move the square's first corner with Alt: squared at the last corner (20,10).
@@ -206,7 +241,7 @@ TEST_F(MapEdit, ThePopupOfAVertexDeletesItAndEscapeCancelsADrag) {
   Click(15, 15);
   Move(20, 10);
   ASSERT_EQ(s.MapView.MapTool, 15);
-  QTest::mousePress(map(), Qt::RightButton, {}, P(20, 10));
+  Press(20, 10, Qt::RightButton);
   QMenu* menu = map()->Popup();
   ASSERT_NE(menu, nullptr);
   EXPECT_EQ(menu->objectName(), "mnuEdit");
@@ -221,12 +256,12 @@ TEST_F(MapEdit, ThePopupOfAVertexDeletesItAndEscapeCancelsADrag) {
 
   Move(10, 20);
   ASSERT_EQ(s.MapView.MapTool, 15);
-  QTest::mousePress(map(), Qt::LeftButton, {}, P(10, 20));
+  Press(10, 20);
   Move(5, 25, Qt::LeftButton);
   EXPECT_EQ(V(1, 1).X, 5);
-  QTest::keyClick(map(), Qt::Key_Escape);
+  Key(Qt::Key_Escape);
   EXPECT_EQ(V(1, 1).X, 10);
-  QTest::mouseRelease(map(), Qt::LeftButton, {}, P(5, 25));
+  Release(5, 25);
   EXPECT_EQ(V(1, 1).X, 10);
   EXPECT_EQ(s.UndoCount - 1, 1) << "only the delete";
 }
