@@ -410,3 +410,27 @@ TEST_F(Editor, RotateAndScaleAboutThePivotFromTheMenu) {
 }
 
 } // namespace
+
+namespace {
+
+TEST_F(Editor, UndoAndAnotherToolFinishADrawingFirst) {
+  const int lyr = Layer("roads", "POLYLINE", {});
+  s.ActiveLyr = lyr;
+  ChooseEditTool(s, 12);
+  Click(1, 1);
+  Click(2, 2);
+  EditPicMove(s, surf, 0, 0, Px(5), Py(3)); // the rubber vertex
+  ASSERT_EQ(Get(lyr, 1).Parts[0].size(), 3u);
+  UndoRun(s); // finishes (the rubber vertex goes), then takes the last vertex back
+  EXPECT_FALSE(s.Edit.Drawing);
+  EXPECT_EQ(Get(lyr, 1).Parts[0], (V{{1, 1, 0, 0}}));
+  ChooseEditTool(s, 12);
+  Click(10, 10);
+  Click(12, 12);
+  EditPicMove(s, surf, 0, 0, Px(15), Py(3));
+  ChooseEditTool(s, 11);
+  EXPECT_FALSE(s.Edit.Drawing);
+  EXPECT_EQ(Get(lyr, 2).Parts[0], (V{{10, 10, 0, 0}, {12, 12, 0, 0}}));
+}
+
+} // namespace
