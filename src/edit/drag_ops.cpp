@@ -7,6 +7,7 @@
 #include "edit/hit_test.h"
 #include "edit/move_cmds.h"
 #include "edit/move_ops.h"
+#include "edit/pick_index.h"
 #include "edit/snap_ops.h"
 #include "session/journal_lines.h"
 #include "session/log.h"
@@ -89,7 +90,10 @@ void GatherVertexes(Session& s, int lyr, bool shift) {
     s.MapView.MapTool = 15;
     SetHitMargins(s, lyr, 1, 0);
     s.MapView.MapTool = keep;
-    for (int f = 1; f <= s.Lyr[lyr].Shp.RecCount; ++f) {
+    std::vector<int> near;
+    PickCandidates(s, lyr, s.View.PickLeft, s.View.PickBottom, s.View.PickRight, s.View.PickTop,
+                   s.Edit.HitNow.HitVrtMargin, near);
+    for (int f : near) {
       int sp = 0, sv = 0;
       while (HitTestFeature(s, lyr, f, sp, sv) == 2) {
         const HitRec h = s.Edit.HitNow;

@@ -18,6 +18,20 @@ struct HitRec {
   double HitX = 0, HitY = 0;
 };
 
+// A grid over the record boxes of a large layer, so that a pick looks only at the records
+// near the pointer. Valid while the layer's records, their count and BoxGen are unchanged.
+struct PickGrid {
+  int Lyr = 0;
+  const void* Recs = nullptr;
+  int32_t RecCount = 0;
+  uint32_t Gen = 0;
+  double X0 = 0, Y0 = 0, Cell = 1;
+  int32_t Nx = 0, Ny = 0;
+  std::vector<int32_t> Start; // Nx * Ny + 1 offsets into Items
+  std::vector<int32_t> Items; // record numbers by cell, ascending within a cell
+  std::vector<int32_t> Wide;  // records over too many cells, always looked at
+};
+
 // What the divide and combine entries of the edit menu are waiting for.
 enum class PendingPick : uint8_t { None, DividePolygon, CombinePolygon, CombineLine };
 
@@ -53,6 +67,9 @@ struct EditVars {
   // Divide and combine: the first pick of a two-step operation.
   PendingPick Pending = PendingPick::None;
   HitRec FirstPick;
+
+  std::vector<PickGrid> PickGrids; // built on demand by the picks of large layers
+  std::vector<int> PickScratch;
 };
 
 } // namespace velmora

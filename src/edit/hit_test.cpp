@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "edit/pick_index.h"
 #include "store/shp_access.h"
 #include "store/shp_bytes.h"
 #include "view/map_tools.h"
@@ -216,8 +217,12 @@ int PickLayers(Session& s, bool shift) {
     const LyrRec& L = s.Lyr[lyr];
     if (!L.DVisable || L.LyrKind == 0 || !LyrQualifies(s, lyr, shift)) continue;
     SetHitMargins(s, lyr, 1, 1);
-    for (int rec = L.Shp.RecCount; rec >= 1; --rec)
-      if (HitTestFeature(s, lyr, rec, 0, 0)) return h.HitKind;
+    // The newest feature first.
+    std::vector<int>& near = s.Edit.PickScratch;
+    PickCandidates(s, lyr, s.View.PickLeft, s.View.PickBottom, s.View.PickRight, s.View.PickTop,
+                   h.HitVrtMargin, near);
+    for (size_t i = near.size(); i-- > 0;)
+      if (HitTestFeature(s, lyr, near[i], 0, 0)) return h.HitKind;
     if (L.LyrKind == 2) {
       const ShpMainHeader& e = L.Shp.ShpHeader;
       const double cx = s.View.PickX, cy = s.View.PickY;
