@@ -4,6 +4,7 @@
 
 #include "edit/hit_test.h"
 #include "edit/move_ops.h"
+#include "edit/pick_index.h"
 #include "store/shp_access.h"
 
 namespace velmora {
@@ -60,9 +61,12 @@ bool SnapToLayer(Session& s, int tool, int snapLyr, int lyr, int rec, int part, 
   s.Edit.HitNow.HitMode = 1;
   // Tool 15 looks for vertices through the whole layer before it takes a segment.
   const int passes = tool == 15 ? 2 : 1;
+  std::vector<int> near;
+  PickCandidates(s, snapLyr, s.View.PickLeft, s.View.PickBottom, s.View.PickRight, s.View.PickTop,
+                 m, near);
   for (int pass = 0; pass < passes; ++pass) {
     const bool segmentsCount = tool != 15 || pass == 1;
-    for (int f = 1; f <= L.Shp.RecCount; ++f) {
+    for (int f : near) {
       int sp = 0, sv = 0;
       for (int guard = 0; guard < 100000; ++guard) {
         const int kind = HitTestFeature(s, snapLyr, f, sp, sv);
