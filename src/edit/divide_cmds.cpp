@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <vector>
 
-#include "session/undo.h"
+#include "edit/journal.h"
 #include "store/dbf_store.h"
 #include "store/shp_access.h"
 #include "store/shp_store.h"

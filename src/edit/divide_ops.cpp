@@ -4,9 +4,9 @@
 
 #include "edit/divide_cmds.h"
 #include "edit/edit_ops.h"
-#include "session/journal_lines.h"
+#include "edit/journal.h"
+#include "edit/journal_lines.h"
 #include "session/log.h"
-#include "session/undo.h"
 #include "store/shp_access.h"
 #include "store/shp_store.h"
 

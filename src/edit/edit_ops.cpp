@@ -2,10 +2,10 @@
 
 #include <algorithm>
 
+#include "edit/journal.h"
+#include "edit/journal_lines.h"
 #include "session/busy.h"
-#include "session/journal_lines.h"
 #include "session/log.h"
-#include "session/undo.h"
 #include "store/shp_access.h"
 #include "store/shp_store.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 #include <string>
 
-#include "edit/edit_types.h"
+#include "model/edit_types.h"
 #include "session/session.h"
 
 namespace velmora {

@@ -1,5 +1,5 @@
 #pragma once
-#include "edit/edit_types.h"
+#include "model/edit_types.h"
 #include "session/session.h"
 
 namespace velmora {

@@ -1,7 +1,7 @@
 #include "edit/move_cmds.h"
 
+#include "edit/journal.h"
 #include "edit/move_ops.h"
-#include "session/undo.h"
 
 namespace velmora {
 

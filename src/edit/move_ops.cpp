@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "session/journal_lines.h"
+#include "edit/journal_lines.h"
 #include "store/dbf_store.h"
 #include "store/shp_access.h"
 #include "store/shp_bytes.h"

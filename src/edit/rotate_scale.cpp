@@ -4,12 +4,12 @@
 
 #include "edit/edit_format.h"
 #include "edit/edit_ops.h"
+#include "edit/journal.h"
+#include "edit/journal_lines.h"
 #include "edit/move_cmds.h"
 #include "edit/move_ops.h"
 #include "session/busy.h"
-#include "session/journal_lines.h"
 #include "session/log.h"
-#include "session/undo.h"
 #include "store/shp_access.h"
 #include "store/shp_store.h"
 

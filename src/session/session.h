@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "coords/datum_types.h"
-#include "edit/edit_types.h"
+#include "model/edit_types.h"
 #include "platform/host.h"
 #include "session/held_lyrs.h"
 #include "session/lyr_table.h"

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "session/commands.h"
-#include "session/journal_lines.h"
+#include "edit/journal_lines.h"
 #include "session/layer_life.h"
 #include "session/lyr_slots.h"
 #include "session/map_init.h"

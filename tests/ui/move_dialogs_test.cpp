@@ -13,7 +13,7 @@
 #include "platform/qt/qt_host.h"
 #include "qt_app.h"
 #include "session/commands.h"
-#include "session/journal_lines.h"
+#include "edit/journal_lines.h"
 #include "session/layer_life.h"
 #include "session/lyr_slots.h"
 #include "session/map_init.h"
