@@ -9,8 +9,8 @@
 #include <string>
 #include <unistd.h>
 
-#include "session/file_util.h"
-#include "session/session.h"
+#include "model/file_util.h"
+#include "model/session.h"
 #include "store/dbf_store.h"
 
 using namespace velmora;

@@ -9,9 +9,9 @@
 
 #include "edit/drag_ops.h"
 #include "edit/hit_test.h"
+#include "frame/lyr_slots.h"
+#include "model/session.h"
 #include "platform/qt/qt_canvas.h"
-#include "session/lyr_slots.h"
-#include "session/session.h"
 #include "store/shp_store.h"
 #include "view/map_draw.h"
 #include "view/map_tools.h"

@@ -12,7 +12,7 @@
 #include <string>
 #include <unistd.h>
 
-#include "session/session.h"
+#include "model/session.h"
 #include "store/shp_store.h"
 
 using namespace velmora;

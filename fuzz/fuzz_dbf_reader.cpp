@@ -7,9 +7,9 @@
 #include <string>
 #include <unistd.h>
 
-#include "session/file_util.h"
-#include "session/lyr_slots.h"
-#include "session/session.h"
+#include "frame/lyr_slots.h"
+#include "model/file_util.h"
+#include "model/session.h"
 #include "store/dbf_store.h"
 
 using namespace velmora;

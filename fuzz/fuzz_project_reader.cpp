@@ -7,9 +7,9 @@
 #include <string>
 #include <unistd.h>
 
+#include "model/session.h"
 #include "session/layer_life.h"
 #include "session/project.h"
-#include "session/session.h"
 
 namespace {
 

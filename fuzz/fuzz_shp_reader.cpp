@@ -9,7 +9,7 @@
 #include <string>
 #include <unistd.h>
 
-#include "session/session.h"
+#include "model/session.h"
 #include "store/shp_store.h"
 
 namespace {

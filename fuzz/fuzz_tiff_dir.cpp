@@ -6,8 +6,8 @@
 #include <string>
 #include <unistd.h>
 
+#include "model/session.h"
 #include "platform/image_io.h"
-#include "session/session.h"
 #include "view/tiff_dir.h"
 
 namespace {

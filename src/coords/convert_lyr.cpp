@@ -5,9 +5,9 @@
 
 #include "coords/image_warp.h"
 #include "coords/utm_zone.h"
-#include "session/busy.h"
-#include "session/file_util.h"
-#include "session/log.h"
+#include "frame/busy.h"
+#include "frame/log.h"
+#include "model/file_util.h"
 #include "store/shp_store.h"
 #include "view/navigation.h"
 

@@ -2,7 +2,7 @@
 #include <string>
 
 #include "coords/coord_conv.h"
-#include "session/session.h"
+#include "model/session.h"
 
 namespace velmora {
 

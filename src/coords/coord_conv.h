@@ -1,6 +1,6 @@
 #pragma once
-#include "session/session.h"
-#include "store/shp_types.h"
+#include "model/session.h"
+#include "model/shp_types.h"
 
 namespace velmora {
 

@@ -3,8 +3,8 @@
 #include <cstdlib>
 #include <fstream>
 
-#include "coords/datum_table.h"
-#include "session/file_util.h"
+#include "model/datum_table.h"
+#include "model/file_util.h"
 
 namespace velmora {
 

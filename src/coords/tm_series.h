@@ -1,8 +1,8 @@
 #pragma once
 #include <cmath>
 
-#include "coords/angles.h"
-#include "coords/datum_types.h"
+#include "model/angles.h"
+#include "model/datum_types.h"
 
 // The Transverse Mercator series and the geocentric datum shift. Inline: they run once
 // per vertex and once per pixel of a warped image.

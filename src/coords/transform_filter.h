@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "session/session.h"
+#include "model/session.h"
 
 namespace velmora {
 

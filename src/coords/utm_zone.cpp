@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "coords/angles.h"
+#include "model/angles.h"
 
 namespace velmora {
 

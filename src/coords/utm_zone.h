@@ -1,7 +1,7 @@
 #pragma once
 #include <string>
 
-#include "coords/angles.h"
+#include "model/angles.h"
 
 namespace velmora {
 

@@ -6,7 +6,7 @@
 #include "edit/edit_ops.h"
 #include "edit/journal.h"
 #include "edit/journal_lines.h"
-#include "session/log.h"
+#include "frame/log.h"
 #include "store/shp_access.h"
 #include "store/shp_store.h"
 

@@ -11,7 +11,7 @@
 #include "edit/move_ops.h"
 #include "edit/pick_index.h"
 #include "edit/snap_ops.h"
-#include "session/log.h"
+#include "frame/log.h"
 #include "store/shp_access.h"
 #include "store/shp_store.h"
 #include "view/map_tools.h"

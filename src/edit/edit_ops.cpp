@@ -4,8 +4,8 @@
 
 #include "edit/journal.h"
 #include "edit/journal_lines.h"
-#include "session/busy.h"
-#include "session/log.h"
+#include "frame/busy.h"
+#include "frame/log.h"
 #include "store/shp_access.h"
 #include "store/shp_store.h"
 

@@ -2,7 +2,7 @@
 #include <string>
 
 #include "model/edit_types.h"
-#include "session/session.h"
+#include "model/session.h"
 
 namespace velmora {
 

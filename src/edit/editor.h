@@ -2,7 +2,7 @@
 #include <string>
 
 #include "edit/edit_menus.h"
-#include "session/session.h"
+#include "model/session.h"
 
 namespace velmora {
 

@@ -58,6 +58,7 @@ void UndoAdd(Session& s, const std::string& redo, const std::string& undo) {
   s.UndoCount += 1;
   s.UndoPos = s.UndoCount - 1;
   s.UndoOn = true;
+  s.ShpFileRead = UndoPurgeLyr; // from the first entry on, a file read anew drops its entries
   s.UndoList.resize(size_t(s.UndoCount) + 1);
   s.UndoList[size_t(s.UndoCount)] = UndoEntry{};
   s.UndoList[size_t(s.UndoPos)].UndoSel.assign(size_t(s.LyrCount) + 1, UndoSelSlot{});

@@ -6,7 +6,7 @@
 #include "coords/utm_transform.h"
 #include "coords/utm_zone.h"
 #include "edit/edit_format.h"
-#include "session/log.h"
+#include "frame/log.h"
 #include "store/shp_access.h"
 
 namespace velmora {

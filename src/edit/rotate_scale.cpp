@@ -8,8 +8,8 @@
 #include "edit/journal_lines.h"
 #include "edit/move_cmds.h"
 #include "edit/move_ops.h"
-#include "session/busy.h"
-#include "session/log.h"
+#include "frame/busy.h"
+#include "frame/log.h"
 #include "store/shp_access.h"
 #include "store/shp_store.h"
 

@@ -1,5 +1,5 @@
 #pragma once
-#include "session/session.h"
+#include "model/session.h"
 
 namespace velmora {
 

@@ -1,7 +1,7 @@
 #pragma once
 #include <vector>
 
-#include "store/shp_types.h"
+#include "model/shp_types.h"
 
 namespace velmora {
 

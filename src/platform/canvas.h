@@ -2,7 +2,7 @@
 #include <cstddef>
 #include <string>
 
-#include "session/colour.h"
+#include "platform/colour.h"
 
 namespace velmora {
 

@@ -3,11 +3,11 @@
 
 #include "edit/divide_cmds.h"
 #include "edit/move_cmds.h"
+#include "frame/log.h"
+#include "frame/lyr_slots.h"
 #include "session/cmd_parse.h"
 #include "session/commands.h"
 #include "session/layer_life.h"
-#include "session/log.h"
-#include "session/lyr_slots.h"
 #include "session/project.h"
 #include "session/undo_restore.h"
 #include "store/dbf_store.h"

@@ -1,5 +1,5 @@
+#include "model/file_util.h"
 #include "session/commands.h"
-#include "session/file_util.h"
 
 namespace velmora {
 

@@ -2,9 +2,9 @@
 
 #include <cctype>
 
-#include "session/file_util.h"
-#include "session/lyr_slots.h"
-#include "session/val.h"
+#include "frame/lyr_slots.h"
+#include "model/file_util.h"
+#include "model/val.h"
 
 namespace velmora {
 

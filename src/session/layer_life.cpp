@@ -4,11 +4,11 @@
 #include <array>
 #include <utility>
 
+#include "frame/busy.h"
+#include "frame/log.h"
+#include "frame/lyr_slots.h"
+#include "model/file_util.h"
 #include "platform/image_io.h"
-#include "session/busy.h"
-#include "session/file_util.h"
-#include "session/log.h"
-#include "session/lyr_slots.h"
 #include "session/project.h"
 #include "session/undo.h"
 #include "store/dbf_store.h"

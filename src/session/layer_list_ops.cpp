@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "session/busy.h"
-#include "session/log.h"
-#include "session/lyr_slots.h"
+#include "frame/busy.h"
+#include "frame/log.h"
+#include "frame/lyr_slots.h"
 
 namespace velmora {
 

@@ -2,10 +2,10 @@
 
 #include <algorithm>
 
-#include "session/busy.h"
-#include "session/file_util.h"
+#include "frame/busy.h"
+#include "frame/log.h"
+#include "model/file_util.h"
 #include "session/layer_life.h"
-#include "session/log.h"
 #include "session/map_init.h"
 
 namespace velmora {

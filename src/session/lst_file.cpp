@@ -1,9 +1,9 @@
 #include <exception>
 #include <fstream>
 
+#include "frame/log.h"
+#include "model/file_util.h"
 #include "session/commands.h"
-#include "session/file_util.h"
-#include "session/log.h"
 
 namespace velmora {
 

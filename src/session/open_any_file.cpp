@@ -1,8 +1,8 @@
 #include "coords/prj_file.h"
+#include "frame/log.h"
+#include "model/file_util.h"
 #include "session/commands.h"
-#include "session/file_util.h"
 #include "session/layer_life.h"
-#include "session/log.h"
 #include "session/project.h"
 
 namespace velmora {

@@ -2,7 +2,7 @@
 #include <functional>
 #include <string>
 
-#include "session/session.h"
+#include "model/session.h"
 
 namespace velmora {
 

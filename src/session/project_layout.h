@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "coords/datum_table.h"
-#include "session/lyr_record.h"
+#include "model/datum_table.h"
+#include "model/lyr_record.h"
 
 namespace velmora {
 

@@ -1,8 +1,8 @@
 // The project menus: Open, Save, Save As, Close, and the caption they leave.
-#include "session/busy.h"
-#include "session/file_util.h"
+#include "frame/busy.h"
+#include "frame/log.h"
+#include "model/file_util.h"
 #include "session/layer_life.h"
-#include "session/log.h"
 #include "session/map_init.h"
 #include "session/project.h"
 

@@ -3,10 +3,10 @@
 #include <cstdio>
 #include <cstring>
 
-#include "coords/datum_table.h"
-#include "session/file_util.h"
+#include "frame/log.h"
+#include "model/datum_table.h"
+#include "model/file_util.h"
 #include "session/layer_life.h"
-#include "session/log.h"
 #include "session/map_init.h"
 #include "session/project.h"
 #include "session/project_layout.h"

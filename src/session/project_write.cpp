@@ -2,9 +2,9 @@
 #include <cstdio>
 #include <cstring>
 
-#include "session/file_util.h"
+#include "frame/log.h"
+#include "model/file_util.h"
 #include "session/layer_life.h"
-#include "session/log.h"
 #include "session/map_init.h"
 #include "session/project.h"
 #include "session/project_layout.h"

@@ -2,8 +2,8 @@
 
 #include <chrono>
 
+#include "frame/log.h"
 #include "session/commands.h"
-#include "session/log.h"
 #include "session/map_init.h"
 
 namespace velmora {

@@ -2,7 +2,7 @@
 #include <string>
 
 #include "edit/journal.h"
-#include "session/session.h"
+#include "model/session.h"
 
 namespace velmora {
 

@@ -2,7 +2,7 @@
 #include <cctype>
 #include <cstdio>
 
-#include "session/file_util.h"
+#include "model/file_util.h"
 
 #include "store/dbf_internal.h"
 

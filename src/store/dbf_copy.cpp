@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "session/busy.h"
-#include "session/file_util.h"
-#include "session/lyr_slots.h"
+#include "frame/busy.h"
+#include "frame/lyr_slots.h"
+#include "model/file_util.h"
 #include "store/codepage.h"
 #include "store/dbf_internal.h"
 #include "store/dbf_store.h"

@@ -1,5 +1,5 @@
 // The field table as the rest of the system sees it.
-#include "session/file_util.h"
+#include "model/file_util.h"
 #include "store/codepage.h"
 #include "store/dbf_internal.h"
 #include "store/dbf_store.h"

@@ -6,7 +6,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "session/file_util.h"
+#include "model/file_util.h"
 
 namespace velmora {
 

@@ -2,7 +2,7 @@
 // Helpers shared by the parts of the attribute store; not for use outside src/store.
 #include <string>
 
-#include "session/session.h"
+#include "model/session.h"
 #include "store/dbf_files.h"
 
 namespace velmora::dbf {

@@ -2,7 +2,7 @@
 #include <cmath>
 #include <ctime>
 
-#include "session/file_util.h"
+#include "model/file_util.h"
 #include "store/codepage.h"
 #include "store/dbf_internal.h"
 #include "store/dbf_store.h"

@@ -1,10 +1,9 @@
 // The record buffer and its way between the dbf, the swap file and the save.
 #include <algorithm>
 
-#include "session/file_util.h"
+#include "model/file_util.h"
 #include "store/dbf_internal.h"
 #include "store/dbf_store.h"
-#include "view/raster_layer.h"
 
 namespace velmora {
 
@@ -110,7 +109,8 @@ void WriteDbfRecSwap(Session& s, int lyr, int row) {
   b.DbfChanged = -1;
   s.host->LayerItemChanged(lyr);
   // The control-point table of an image layer moves its points with it.
-  if (s.Lyr[lyr].LyrKind == 2 && b.DbfFieldCount >= 5) ControlPtFromRow(s, lyr, row);
+  if (s.Lyr[lyr].LyrKind == 2 && b.DbfFieldCount >= 5 && s.ControlRowWritten)
+    s.ControlRowWritten(s, lyr, row);
 }
 
 void AddDbfRec(Session& s, int lyr, int row) {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "session/file_util.h"
+#include "model/file_util.h"
 #include "store/codepage.h"
 #include "store/dbf_internal.h"
 #include "store/dbf_store.h"

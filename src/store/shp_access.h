@@ -2,7 +2,7 @@
 // Checked access to a layer's records and parts for the store's own operations.
 #include <algorithm>
 
-#include "session/session.h"
+#include "model/session.h"
 
 namespace velmora::shpio {
 

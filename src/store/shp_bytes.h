@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <cstring>
 
-#include "store/shp_types.h"
+#include "model/shp_types.h"
 
 namespace velmora::shpio {
 

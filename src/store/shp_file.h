@@ -5,7 +5,7 @@
 #include <memory>
 #include <string>
 
-#include "session/session.h"
+#include "model/session.h"
 
 namespace velmora::shpio {
 

@@ -3,7 +3,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "session/busy.h"
+#include "frame/busy.h"
 #include "store/shp_access.h"
 #include "store/shp_bytes.h"
 #include "store/shp_file.h"

@@ -7,9 +7,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "session/file_util.h"
-#include "session/undo.h"
-#include "store/shp_arena.h"
+#include "model/file_util.h"
+#include "model/shp_arena.h"
 #include "store/shp_bytes.h"
 #include "store/shp_file.h"
 #include "store/shp_store.h"
@@ -357,7 +356,7 @@ void LoadShpRecords(Session& s, int lyr, const std::string& path, const FileByte
   }
   B.Arena->Trim();
   MakeFrameRecord(B.ShpRecs[0]);
-  UndoPurgeLyr(s, path);
+  if (s.ShpFileRead) s.ShpFileRead(s, path);
   RecalcExtent(s, lyr);
   B.ShpChanged = 0;
 }

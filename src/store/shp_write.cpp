@@ -7,7 +7,7 @@
 #include <unistd.h>
 #include <vector>
 
-#include "session/file_util.h"
+#include "model/file_util.h"
 #include "store/shp_bytes.h"
 #include "store/shp_file.h"
 #include "store/shp_store.h"

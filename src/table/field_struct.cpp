@@ -2,10 +2,10 @@
 
 #include <cstdio>
 
-#include "session/busy.h"
-#include "session/file_util.h"
-#include "session/log.h"
-#include "session/lyr_slots.h"
+#include "frame/busy.h"
+#include "frame/log.h"
+#include "frame/lyr_slots.h"
+#include "model/file_util.h"
 #include "store/dbf_store.h"
 
 namespace velmora {

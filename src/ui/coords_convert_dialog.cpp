@@ -11,8 +11,8 @@
 #include <QVBoxLayout>
 
 #include "coords/convert_lyr.h"
-#include "coords/datum_table.h"
-#include "session/busy.h"
+#include "frame/busy.h"
+#include "model/datum_table.h"
 
 namespace velmora {
 

@@ -2,7 +2,7 @@
 #include <QDialog>
 
 #include "coords/coord_conv.h"
-#include "session/session.h"
+#include "model/session.h"
 
 class QComboBox;
 class QLabel;

@@ -16,10 +16,10 @@
 #include <QVBoxLayout>
 
 #include "coords/convert_lyr.h"
-#include "coords/datum_table.h"
 #include "coords/prj_file.h"
 #include "coords/utm_transform.h"
 #include "coords/utm_zone.h"
+#include "model/datum_table.h"
 
 namespace velmora {
 

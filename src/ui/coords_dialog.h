@@ -2,8 +2,8 @@
 #include <QDialog>
 #include <array>
 
-#include "coords/datum_table.h"
-#include "session/session.h"
+#include "model/datum_table.h"
+#include "model/session.h"
 
 class QComboBox;
 class QLabel;

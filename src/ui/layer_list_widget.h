@@ -2,7 +2,7 @@
 #include <QListWidget>
 #include <vector>
 
-#include "session/session.h"
+#include "model/session.h"
 
 namespace velmora {
 

@@ -22,9 +22,9 @@
 #include <algorithm>
 
 #include "edit/editor.h"
-#include "session/busy.h"
+#include "frame/busy.h"
+#include "model/file_util.h"
 #include "session/commands.h"
-#include "session/file_util.h"
 #include "session/layer_life.h"
 #include "session/layer_list_ops.h"
 #include "session/layer_menus.h"

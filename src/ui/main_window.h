@@ -2,8 +2,8 @@
 #include <QMainWindow>
 #include <QPointer>
 
+#include "model/session.h"
 #include "platform/qt/qt_host.h"
-#include "session/session.h"
 
 class QAction;
 class QActionGroup;

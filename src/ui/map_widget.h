@@ -10,8 +10,8 @@
 
 #include "edit/editor.h"
 
+#include "model/session.h"
 #include "platform/qt/qt_canvas.h"
-#include "session/session.h"
 
 namespace velmora {
 

@@ -1,7 +1,7 @@
 #pragma once
 #include <QDialog>
 
-#include "session/session.h"
+#include "model/session.h"
 
 class QCheckBox;
 class QLineEdit;

@@ -3,7 +3,7 @@
 #include <cmath>
 #include <vector>
 
-#include "session/file_util.h"
+#include "model/file_util.h"
 #include "store/dbf_store.h"
 #include "store/shp_store.h"
 #include "view/map_tools.h"

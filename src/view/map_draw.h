@@ -1,7 +1,7 @@
 #pragma once
 
+#include "model/session.h"
 #include "platform/canvas.h"
-#include "session/session.h"
 
 namespace velmora {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "session/num_format.h"
+#include "model/num_format.h"
 
 namespace velmora {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "session/session.h"
+#include "model/session.h"
 
 namespace velmora {
 

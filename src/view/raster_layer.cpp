@@ -2,9 +2,9 @@
 
 #include <cmath>
 
-#include "session/busy.h"
-#include "session/file_util.h"
-#include "session/lyr_slots.h"
+#include "frame/busy.h"
+#include "frame/lyr_slots.h"
+#include "model/file_util.h"
 #include "store/dbf_store.h"
 #include "store/shp_store.h"
 #include "view/tiff_dir.h"
@@ -54,6 +54,7 @@ bool FrameTable(Session& s, int n, const std::string& path) {
     }
   }
   s.Lyr[n].LyrKind = 2;
+  s.ControlRowWritten = ControlPtFromRow; // the table's rows move the frame's control points
   return true;
 }
 

@@ -1,8 +1,8 @@
 #pragma once
 #include <string>
 
+#include "model/session.h"
 #include "platform/image_io.h"
-#include "session/session.h"
 
 namespace velmora {
 

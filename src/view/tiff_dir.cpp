@@ -6,7 +6,7 @@
 #include <limits>
 #include <memory>
 
-#include "session/file_util.h"
+#include "model/file_util.h"
 
 namespace velmora {
 

@@ -5,7 +5,7 @@
 #include <fstream>
 #include <utility>
 
-#include "session/file_util.h"
+#include "model/file_util.h"
 #include "store/dbf_store.h"
 
 namespace velmora {

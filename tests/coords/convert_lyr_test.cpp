@@ -6,7 +6,7 @@
 #include "coords/display_xy.h"
 #include "coords/image_warp.h"
 #include "coords/utm_transform.h"
-#include "session/busy.h"
+#include "frame/busy.h"
 #include "test_support.h"
 
 namespace velmora {

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "coords/angles.h"
-#include "coords/datum_table.h"
+#include "model/angles.h"
+#include "model/datum_table.h"
 
 namespace velmora {
 namespace {

@@ -3,11 +3,11 @@
 #include <cmath>
 #include <random>
 
-#include "coords/datum_table.h"
 #include "coords/prj_file.h"
 #include "coords/utm_transform.h"
+#include "model/datum_table.h"
+#include "model/file_util.h"
 #include "proj_oracle.h"
-#include "session/file_util.h"
 
 namespace velmora {
 namespace {

@@ -3,9 +3,9 @@
 
 #include <cmath>
 
-#include "coords/datum_table.h"
 #include "coords/utm_transform.h"
 #include "coords/utm_zone.h"
+#include "model/datum_table.h"
 
 namespace velmora {
 namespace {

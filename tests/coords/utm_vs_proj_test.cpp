@@ -4,8 +4,8 @@
 #include <cmath>
 #include <cstdio>
 
-#include "coords/datum_table.h"
 #include "coords/utm_transform.h"
+#include "model/datum_table.h"
 #include "proj_oracle.h"
 
 namespace velmora {

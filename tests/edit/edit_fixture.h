@@ -7,10 +7,10 @@
 #include <utility>
 #include <vector>
 
-#include "session/commands.h"
 #include "edit/journal_lines.h"
+#include "frame/lyr_slots.h"
+#include "session/commands.h"
 #include "session/layer_life.h"
-#include "session/lyr_slots.h"
 #include "session/map_init.h"
 #include "session/undo.h"
 #include "store/shp_store.h"

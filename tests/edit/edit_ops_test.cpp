@@ -2,7 +2,7 @@
 // the refusal on a busy layer that changes nothing.
 #include "edit/edit_ops.h"
 #include "edit_fixture.h"
-#include "session/busy.h"
+#include "frame/busy.h"
 
 using namespace velmora;
 using namespace velmora::test;

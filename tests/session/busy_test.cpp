@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "cmd_test_util.h"
-#include "session/busy.h"
+#include "frame/busy.h"
 #include "test_support.h"
 
 using namespace velmora;

@@ -4,8 +4,8 @@
 
 #include <stdexcept>
 
+#include "model/file_util.h"
 #include "session/commands.h"
-#include "session/file_util.h"
 #include "session/layer_life.h"
 #include "store/dbf_store.h"
 #include "store/shp_store.h"

@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
+#include "model/val.h"
 #include "session/commands.h"
 #include "session/start_session.h"
-#include "session/val.h"
 
 using namespace velmora;
 using Tokens = std::vector<std::string>;

@@ -1,8 +1,8 @@
 #pragma once
 #include <string>
 
-#include "session/lyr_slots.h"
-#include "session/session.h"
+#include "frame/lyr_slots.h"
+#include "model/session.h"
 
 namespace velmora::test {
 

@@ -3,10 +3,10 @@
 
 #include <fstream>
 
-#include "session/busy.h"
-#include "session/file_util.h"
+#include "frame/busy.h"
+#include "frame/lyr_slots.h"
+#include "model/file_util.h"
 #include "session/layer_life.h"
-#include "session/lyr_slots.h"
 #include "store/shp_store.h"
 #include "test_support.h"
 

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
+#include "frame/lyr_slots.h"
 #include "session/layer_list_ops.h"
-#include "session/lyr_slots.h"
 #include "test_support.h"
 
 using namespace velmora;

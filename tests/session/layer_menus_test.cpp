@@ -4,11 +4,11 @@
 
 #include <fstream>
 
-#include "session/busy.h"
-#include "session/file_util.h"
+#include "frame/busy.h"
+#include "frame/log.h"
+#include "model/file_util.h"
 #include "session/layer_life.h"
 #include "session/layer_menus.h"
-#include "session/log.h"
 #include "session/project.h"
 #include "test_support.h"
 #include "view/map_toolbar.h"

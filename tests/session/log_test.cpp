@@ -2,7 +2,7 @@
 
 #include <cstdio>
 
-#include "session/log.h"
+#include "frame/log.h"
 #include "test_support.h"
 
 using namespace velmora;

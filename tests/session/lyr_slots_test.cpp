@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "session/busy.h"
-#include "session/lyr_slots.h"
+#include "frame/busy.h"
+#include "frame/lyr_slots.h"
 #include "test_support.h"
 
 using namespace velmora;

@@ -3,9 +3,9 @@
 
 #include <fstream>
 
-#include "coords/datum_types.h"
+#include "model/datum_types.h"
+#include "model/file_util.h"
 #include "project_bytes.h"
-#include "session/file_util.h"
 #include "session/layer_life.h"
 #include "session/project.h"
 #include "test_support.h"

@@ -3,10 +3,10 @@
 
 #include <fstream>
 
-#include "coords/datum_table.h"
+#include "frame/busy.h"
+#include "model/datum_table.h"
+#include "model/file_util.h"
 #include "project_bytes.h"
-#include "session/busy.h"
-#include "session/file_util.h"
 #include "session/layer_life.h"
 #include "session/project.h"
 #include "store/shp_store.h"

@@ -8,7 +8,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "session/safe_file.h"
+#include "model/safe_file.h"
 
 namespace fs = std::filesystem;
 using namespace velmora;

@@ -2,10 +2,10 @@
 // code journals them, undone and redone through the command language.
 #include <gtest/gtest.h>
 
-#include "session/commands.h"
 #include "edit/journal_lines.h"
+#include "frame/lyr_slots.h"
+#include "session/commands.h"
 #include "session/layer_life.h"
-#include "session/lyr_slots.h"
 #include "session/map_init.h"
 #include "session/undo.h"
 #include "store/shp_store.h"

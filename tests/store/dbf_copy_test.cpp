@@ -1,7 +1,7 @@
 // "Save Dbf As" and "Clean DBF File": whole tables written from a layer's rows, in the
 // running-function frame on a work slot.
 #include "dbf_fixture.h"
-#include "session/busy.h"
+#include "frame/busy.h"
 #include "store/dbf_store.h"
 
 using namespace velmora;

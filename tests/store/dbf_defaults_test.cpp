@@ -1,6 +1,6 @@
 // The default tables, tables made from other layers' fields, and rows copied between them.
 #include "dbf_fixture.h"
-#include "session/lyr_slots.h"
+#include "frame/lyr_slots.h"
 #include "store/dbf_store.h"
 
 using namespace velmora;

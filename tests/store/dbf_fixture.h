@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "session/file_util.h"
-#include "session/session.h"
+#include "model/file_util.h"
+#include "model/session.h"
 #include "store/dbf_store.h"
 #include "test_support.h"
 

@@ -4,7 +4,7 @@
 #include <random>
 
 #include "dbf_fixture.h"
-#include "session/file_util.h"
+#include "model/file_util.h"
 #include "store/dbf_store.h"
 
 using namespace velmora;

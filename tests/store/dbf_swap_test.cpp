@@ -1,6 +1,6 @@
 // The record buffer, the swap file and the save: edits stay off the dbf until SaveDbf.
 #include "dbf_fixture.h"
-#include "session/lyr_slots.h"
+#include "frame/lyr_slots.h"
 #include "store/dbf_store.h"
 
 using namespace velmora;

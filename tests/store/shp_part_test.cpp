@@ -1,8 +1,8 @@
 // Storage of parts and records: borrowed from the arena as read, owned once resized.
 #include <gtest/gtest.h>
 
-#include "store/shp_arena.h"
-#include "store/shp_types.h"
+#include "model/shp_arena.h"
+#include "model/shp_types.h"
 
 using namespace velmora;
 

@@ -2,7 +2,7 @@
 // record, and the state a layer is left in after the open.
 #include <gtest/gtest.h>
 
-#include "session/file_util.h"
+#include "model/file_util.h"
 #include "shp_test_util.h"
 
 using namespace velmora;

@@ -3,7 +3,7 @@
 
 #include <cmath>
 
-#include "session/busy.h"
+#include "frame/busy.h"
 #include "shp_test_util.h"
 
 using namespace velmora;

@@ -2,7 +2,7 @@
 // shapelib's shpdump; where the format leaves no choice the bytes are the same too.
 #include <gtest/gtest.h>
 
-#include "session/file_util.h"
+#include "model/file_util.h"
 #include "shp_test_util.h"
 
 using namespace velmora;

@@ -2,7 +2,7 @@
 
 #include <fstream>
 
-#include "session/file_util.h"
+#include "model/file_util.h"
 
 namespace velmora::test {
 

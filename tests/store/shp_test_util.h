@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "session/session.h"
+#include "model/session.h"
 #include "store/shp_store.h"
 #include "test_support.h"
 

@@ -1,7 +1,7 @@
 // Writing: the writer's fixed order of operations and what it carries from the header.
 #include <gtest/gtest.h>
 
-#include "session/file_util.h"
+#include "model/file_util.h"
 #include "shp_test_util.h"
 
 using namespace velmora;

@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
-#include "session/busy.h"
+#include "frame/busy.h"
+#include "frame/lyr_slots.h"
 #include "session/commands.h"
-#include "session/lyr_slots.h"
 #include "store/dbf_store.h"
 #include "table/field_struct.h"
 #include "test_support.h"

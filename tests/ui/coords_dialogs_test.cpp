@@ -9,7 +9,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 
-#include "store/shp_types.h"
+#include "model/shp_types.h"
 #include "test_support.h"
 #include "ui/coords_convert_dialog.h"
 #include "ui/coords_dialog.h"

@@ -7,10 +7,10 @@
 #include <QImage>
 #include <fstream>
 
+#include "frame/busy.h"
 #include "platform/qt/qt_canvas.h"
 #include "platform/qt/qt_host.h"
 #include "qt_app.h"
-#include "session/busy.h"
 #include "session/layer_life.h"
 #include "session/start_session.h"
 #include "test_support.h"

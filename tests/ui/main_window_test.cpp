@@ -9,9 +9,9 @@
 #include <QProgressBar>
 #include <QUrl>
 
+#include "frame/log.h"
 #include "platform/qt/qt_host.h"
 #include "qt_app.h"
-#include "session/log.h"
 #include "session/start_session.h"
 #include "test_support.h"
 #include "ui/main_window.h"

@@ -11,12 +11,12 @@
 #include <fstream>
 
 #include "edit/editor.h"
+#include "edit/journal_lines.h"
+#include "frame/lyr_slots.h"
 #include "platform/qt/qt_host.h"
 #include "qt_app.h"
 #include "session/commands.h"
-#include "edit/journal_lines.h"
 #include "session/layer_life.h"
-#include "session/lyr_slots.h"
 #include "session/map_init.h"
 #include "session/undo.h"
 #include "store/shp_store.h"

@@ -10,12 +10,12 @@
 #include <QTest>
 
 #include "edit/edit_ops.h"
+#include "edit/journal_lines.h"
+#include "frame/lyr_slots.h"
 #include "platform/qt/qt_host.h"
 #include "qt_app.h"
 #include "session/commands.h"
-#include "edit/journal_lines.h"
 #include "session/layer_life.h"
-#include "session/lyr_slots.h"
 #include "session/map_init.h"
 #include "session/undo.h"
 #include "test_support.h"

@@ -3,13 +3,13 @@
 #include <QImage>
 
 #include "coords/convert_lyr.h"
+#include "frame/lyr_slots.h"
+#include "model/file_util.h"
 #include "platform/qt/qt_canvas.h"
 #include "platform/qt/qt_image_io.h"
 #include "qt_app.h"
 #include "session/commands.h"
-#include "session/file_util.h"
 #include "session/layer_life.h"
-#include "session/lyr_slots.h"
 #include "store/dbf_store.h"
 #include "store/shp_store.h"
 #include "test_support.h"

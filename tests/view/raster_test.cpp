@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "session/file_util.h"
+#include "model/file_util.h"
 #include "test_support.h"
 #include "view/raster_layer.h"
 #include "view/tiff_dir.h"

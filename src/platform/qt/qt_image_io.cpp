@@ -4,7 +4,7 @@
 #include <QImageWriter>
 #include <cstring>
 
-#include "session/file_util.h"
+#include "model/file_util.h"
 
 namespace velmora {
 

@@ -1,4 +1,4 @@
-#include "session/file_util.h"
+#include "model/file_util.h"
 
 #include <algorithm>
 #include <cctype>

@@ -1,8 +1,8 @@
-#include "session/busy.h"
+#include "frame/busy.h"
 
 #include <array>
 
-#include "session/log.h"
+#include "frame/log.h"
 
 namespace velmora {
 

@@ -1,6 +1,6 @@
-#include "session/session.h"
+#include "model/session.h"
 
-#include "coords/datum_table.h"
+#include "model/datum_table.h"
 
 namespace velmora {
 

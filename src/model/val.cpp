@@ -1,4 +1,4 @@
-#include "session/val.h"
+#include "model/val.h"
 
 #include <charconv>
 #include <cmath>

@@ -4,11 +4,11 @@
 #include <string>
 #include <vector>
 
-#include "network/net_types.h"
-#include "session/colour.h"
-#include "store/dbf_types.h"
-#include "store/shp_types.h"
-#include "view/img_types.h"
+#include "model/dbf_types.h"
+#include "model/img_types.h"
+#include "model/net_types.h"
+#include "model/shp_types.h"
+#include "platform/colour.h"
 
 namespace velmora {
 

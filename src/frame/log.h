@@ -1,7 +1,7 @@
 #pragma once
 #include <string>
 
-#include "session/session.h"
+#include "model/session.h"
 
 namespace velmora {
 

@@ -1,8 +1,8 @@
-#include "coords/datum_table.h"
+#include "model/datum_table.h"
 
 #include <array>
 
-#include "coords/angles.h"
+#include "model/angles.h"
 
 namespace velmora {
 

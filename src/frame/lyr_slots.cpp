@@ -1,7 +1,7 @@
-#include "session/lyr_slots.h"
+#include "frame/lyr_slots.h"
 
-#include "session/busy.h"
-#include "session/file_util.h"
+#include "frame/busy.h"
+#include "model/file_util.h"
 
 namespace velmora {
 

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "store/shp_types.h"
+#include "model/shp_types.h"
 
 namespace velmora {
 

@@ -6,13 +6,13 @@
 #include <string>
 #include <vector>
 
-#include "coords/datum_types.h"
+#include "model/datum_types.h"
 #include "model/edit_types.h"
+#include "model/held_lyrs.h"
+#include "model/lyr_table.h"
+#include "model/map_view.h"
+#include "model/undo_types.h"
 #include "platform/host.h"
-#include "session/held_lyrs.h"
-#include "session/lyr_table.h"
-#include "session/undo_types.h"
-#include "view/map_view.h"
 
 namespace velmora {
 
@@ -64,6 +64,10 @@ struct Session {
   // Error channels of the stores, read right after a call.
   int16_t ShpErr = 0;
   int16_t DbfErr = 0;
+  // The stores' calls to the floors above them, which set these once they hold state that
+  // must follow the stores; null until then.
+  void (*ShpFileRead)(Session& s, const std::string& path) = nullptr; // a .shp was read anew
+  void (*ControlRowWritten)(Session& s, int lyr, int row) = nullptr;  // a row of an image's table
 
   bool GdipReady = false; // TIFF and PNG codecs are present
   TiffState Tiff;

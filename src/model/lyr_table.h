@@ -1,7 +1,7 @@
 #pragma once
 #include <vector>
 
-#include "session/lyr_record.h"
+#include "model/lyr_record.h"
 
 namespace velmora {
 

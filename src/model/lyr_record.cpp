@@ -1,4 +1,4 @@
-#include "session/lyr_record.h"
+#include "model/lyr_record.h"
 
 namespace velmora {
 

@@ -1,4 +1,4 @@
-#include "store/shp_arena.h"
+#include "model/shp_arena.h"
 
 #include <algorithm>
 #include <cstdlib>

@@ -1,4 +1,4 @@
-#include "session/log.h"
+#include "frame/log.h"
 
 namespace velmora {
 

@@ -1,4 +1,4 @@
-#include "session/safe_file.h"
+#include "model/safe_file.h"
 
 #include <cerrno>
 #include <cstring>
@@ -6,7 +6,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "session/file_util.h"
+#include "model/file_util.h"
 
 namespace velmora {
 
@@ -67,7 +67,7 @@ SafeFileSet::Entry* SafeFileSet::Find(int fd) {
 int SafeFileSet::Open(const std::string& target) {
   std::string native = NativePath(target);
   std::string dir = DirOf(native);
-  struct stat st{};
+  struct stat st {};
   bool exists = ::stat(native.c_str(), &st) == 0;
   if (exists && ::access(native.c_str(), W_OK) != 0) {
     Fail(target + ": read-only");

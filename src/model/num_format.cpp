@@ -1,4 +1,4 @@
-#include "session/num_format.h"
+#include "model/num_format.h"
 
 #include <cmath>
 #include <cstdio>

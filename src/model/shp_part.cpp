@@ -5,8 +5,8 @@
 #include <cstring>
 #include <new>
 
-#include "store/shp_arena.h"
-#include "store/shp_types.h"
+#include "model/shp_arena.h"
+#include "model/shp_types.h"
 
 namespace velmora {
 
