@@ -48,8 +48,14 @@ int RunWindow(int argc, char** argv) {
   MainWindow w(s, host);
   w.show();
   if (StartSession(s, o.Args)) {
-    CloseAllLyrs(s);
-    return 0;
+    bool unsaved = false;
+    for (int n = 1; n <= s.LyrCount; ++n) unsaved = unsaved || LyrChanged(s, n);
+    if (!unsaved) {
+      CloseAllLyrs(s);
+      return 0;
+    }
+    // Changes that could not be saved go only with the user's word: the window's close.
+    QTimer::singleShot(0, &w, &QWidget::close);
   }
   w.ShowLog();
   // VELMORA_SCREENSHOT=path: the window saves its picture after the start-up and quits.

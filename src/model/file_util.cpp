@@ -55,6 +55,8 @@ std::string ChangeExt(const std::string& path, const std::string& ext) {
 }
 
 std::string ReplaceExt(const std::string& path, const std::string& ext) {
+  // "UP.DBF" asked for as a dbf is that file: the extension keeps its case.
+  if (!ext.empty() && ExtOf(path) == LCase(ext)) return path;
   return ChangeExt(path, ext);
 }
 

@@ -13,7 +13,8 @@ std::string FileNameOf(const std::string& path); // all behind the last separato
 std::string FolderOf(const std::string& path);   // all up to and with the last separator
 std::string ExtOf(const std::string& path);      // lower-cased, without the point
 std::string ChangeExt(const std::string& path, const std::string& ext);
-// Replaces the extension of the file name (not of a folder) by `ext`, or appends it.
+// Replaces the extension of the file name (not of a folder) by `ext`, or appends it. An
+// extension that already is `ext` in another case stays as it is.
 std::string ReplaceExt(const std::string& path, const std::string& ext);
 // A unique new file in `folder` whose name starts with `prefix` ("qmt"); the file exists
 // (empty) when this returns, as with the system's temporary-name service. "" on failure.

@@ -80,6 +80,7 @@ struct LyrRec {
   int16_t TblOpen = 0;
   int16_t ProOpen = 0;
   uint8_t LoadSkipped = 0; // a project read for a layout left the layer closed
+  std::string SaveErr;     // why the last save of the layer failed; "" after a good one
 
   ShpBlock Shp; // geometry (.shp, .shx)
   DbfBlock Dbf; // attributes (.dbf, swap file)

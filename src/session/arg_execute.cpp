@@ -5,6 +5,7 @@
 #include "edit/move_cmds.h"
 #include "frame/log.h"
 #include "frame/lyr_slots.h"
+#include "frame/refusal_log.h"
 #include "session/cmd_parse.h"
 #include "session/commands.h"
 #include "session/layer_life.h"
@@ -64,10 +65,17 @@ void RecalcStaleExtents(Session& s) {
   }
 }
 
+// A layer whose save failed is not dropped: its changes are the only copy.
+bool KeepUnsaved(Session& s, int n) {
+  if (!LyrChanged(s, n) || s.Lyr[n].SaveErr.empty()) return false;
+  LogCanceled(s, "Remove Layer " + s.Lyr[n].LyrName, "its changes have not been saved");
+  return true;
+}
+
 void SaveAndRemove(Session& s, int n) {
   if (n < 1 || n > s.LyrCount) return;
   SaveLyrAll(s, n);
-  RemoveLyr(s, n, true);
+  if (!KeepUnsaved(s, n)) RemoveLyr(s, n, true);
 }
 
 } // namespace
@@ -175,7 +183,7 @@ int ExecCmd(Session& s, const CmdCall& c) {
     SaveLyrAs(s, n, c.Text);
     return n;
   case CmdOp::RemoveLayer:
-    RemoveLyr(s, n, true);
+    if (n >= 1 && n <= s.LyrCount && !KeepUnsaved(s, n)) RemoveLyr(s, n, true);
     return n;
   case CmdOp::SetData: {
     int m = OpenIfNeeded(s, c);

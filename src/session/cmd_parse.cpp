@@ -3,6 +3,7 @@
 #include <cctype>
 
 #include "frame/lyr_slots.h"
+#include "model/companion_file.h"
 #include "model/file_util.h"
 #include "model/val.h"
 
@@ -33,6 +34,9 @@ struct Reader {
   // Path at token 2, and the layer that has it.
   void FindLayer(CmdCall& c) const {
     c.Path = StripDoubleQuotes(Tok(2));
+    // A layer's table or index names the layer.
+    std::string ext = ExtOf(c.Path);
+    if (ext == "dbf" || ext == "shx") c.Path = CompanionPath(c.Path, "shp");
     int n = FindLyrByFile(s, c.Path);
     c.Lyr = n > 0 ? n : 0;
   }

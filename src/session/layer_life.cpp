@@ -7,6 +7,7 @@
 #include "frame/busy.h"
 #include "frame/log.h"
 #include "frame/lyr_slots.h"
+#include "model/companion_file.h"
 #include "model/file_util.h"
 #include "platform/image_io.h"
 #include "session/project.h"
@@ -44,12 +45,6 @@ bool HasChanges(const LyrRec& l) {
   return l.Shp.ShpChanged || l.Dbf.DbfChanged;
 }
 
-bool Canceled(Session& s, int index, const std::string& op) {
-  if (!LyrIsBusyMsg(s, index)) return false;
-  LogMsg(s, " *** " + op + " " + s.Lyr[index].LyrName + " has been canceled *** ");
-  return true;
-}
-
 // Opens the shape file of a row and its attribute side.
 void OpenShapeRow(Session& s, int index, const std::string& path) {
   LyrRec& l = s.Lyr[index];
@@ -64,7 +59,7 @@ void OpenShapeRow(Session& s, int index, const std::string& path) {
     s.LyrErr = 2; // a raster's frame: the caller opens the image
     return;
   }
-  std::string dbf = ReplaceExt(path, "dbf");
+  std::string dbf = CompanionPath(path, "dbf");
   s.DbfErr = 0;
   OpenDbf(s, index, dbf);
   if (s.DbfErr == 1) {
@@ -148,7 +143,7 @@ void AddShape(Session& s, const std::string& pathIn, bool readOnly) {
   if (DialogsBlock(s, "adding layer")) return;
   std::string path = pathIn;
   std::string ext = ExtOf(path);
-  if (ext == "dbf" || ext == "shx") path = ChangeExt(path, "shp");
+  if (ext == "dbf" || ext == "shx") path = CompanionPath(path, "shp");
   s.LastDir = FolderOf(path);
   if (!FileExists(path)) return;
   WaitCursor(s);
@@ -201,87 +196,6 @@ void MakeNewLyr(Session& s, const std::string& path, int shapeType, const std::s
   if (add) AddShape(s, ReplaceExt(path, "shp"), false);
 }
 
-namespace {
-
-void SaveRow(Session& s, int index, bool all) {
-  LyrRec& l = s.Lyr[index];
-  if (!all && !HasChanges(l)) return;
-  SetLyrTerminate(s, index, false);
-  LyrLock(s, index, true, "Save Layer");
-  bool ok = true;
-  if (l.LyrKind == 1) {
-    if (all || l.Shp.ShpChanged) {
-      SaveShp(s, index, l.Fsource);
-      s.LyrErr = s.ShpErr;
-      ok = s.ShpErr == 0;
-    }
-    if (ok && (all || l.Dbf.DbfChanged)) {
-      s.DbfErr = 0;
-      SaveDbf(s, index);
-      ok = s.DbfErr == 0;
-    }
-  }
-  if (ok && l.Img.ImgChanged) {
-    ok = SaveImage(s, index, l.Fsource);
-    if (ok) l.Img.ImgChanged = 0;
-  }
-  if (ok && l.Img.WorldChanged) {
-    SaveWorld(s, index, l.Fsource);
-    l.Img.WorldChanged = 0;
-  }
-  LyrLock(s, index, false, "");
-  if (ok)
-    LogMsg(s, "Save Layer " + l.LyrName);
-  else
-    LogMsg(s, " *** Save Layer " + l.LyrName + " has been canceled *** ");
-  s.host->LayerItemChanged(index);
-}
-
-} // namespace
-
-void SaveLyr(Session& s, int index) {
-  if (index < 1 || index > s.LyrCount || Canceled(s, index, "Save Layer")) return;
-  SaveRow(s, index, false);
-}
-
-void SaveLyrAll(Session& s, int index) {
-  if (index < 1 || index > s.LyrCount || Canceled(s, index, "Save Layer")) return;
-  SaveRow(s, index, true);
-}
-
-void SaveLyrAs(Session& s, int index, const std::string& path) {
-  if (index < 1 || index > s.LyrCount || Canceled(s, index, "Save Layer As")) return;
-  LyrRec& l = s.Lyr[index];
-  if (UCase(path) == UCase(l.Fsource)) return;
-  std::string oldName = l.LyrName;
-  LyrLock(s, index, true, "Save as Layer");
-  if (l.Shp.ShpType != 99) {
-    SaveShp(s, index, path);
-    bool ok = s.ShpErr == 0;
-    if (ok) {
-      s.DbfErr = 0;
-      SaveDbfAs(s, index, ReplaceExt(path, "dbf"));
-      ok = s.DbfErr == 0;
-    }
-    if (!ok) {
-      LogMsg(s, " *** Save Layer As has been canceled *** ");
-      LyrLock(s, index, false, "");
-      return;
-    }
-  }
-  if (l.Shp.ShpType == 99 && !SaveImageAs(s, index, path)) {
-    LogMsg(s, " *** Save Layer As has been canceled *** ");
-    LyrLock(s, index, false, "");
-    return;
-  }
-  OpenLyrFile(s, index, path);
-  s.LastDir = FolderOf(path);
-  LyrLock(s, index, false, "");
-  LogMsg(s, "Save Layer " + oldName + " As " + path);
-  s.host->LayerListChanged();
-  s.host->MapRedraw();
-}
-
 void CloseLyrFiles(Session& s, int index) {
   LyrRec& l = s.Lyr[index];
   if (l.Img.ImgPic && s.host->Images()) s.host->Images()->Free(l.Img.ImgPic);
@@ -294,7 +208,7 @@ void CloseLyrFiles(Session& s, int index) {
 }
 
 void RemoveLyr(Session& s, int index, bool redraw) {
-  if (index < 1 || index > s.LyrCount || Canceled(s, index, "Remove Layer")) return;
+  if (index < 1 || index > s.LyrCount || LyrBusyCanceled(s, index, "Remove Layer")) return;
   LogMsg(s, "Remove Layer " + s.Lyr[index].LyrName);
   s.ProjChanged = -1;
   UndoPurgeLyr(s, s.Lyr[index].Fsource);
@@ -312,7 +226,8 @@ void RemoveLyr(Session& s, int index, bool redraw) {
 
 namespace {
 
-// Yes saves and goes on, No goes on, Cancel stops.
+// Yes saves and goes on, No goes on, Cancel stops. A save that failed stops too: the
+// changes are the only copy.
 bool AskSaveChanges(Session& s, int index, const std::string& title) {
   LyrRec& l = s.Lyr[index];
   MsgAnswer a = s.host->MsgBox("  Would you like to save the changes in layer " + l.LyrName +
@@ -320,7 +235,7 @@ bool AskSaveChanges(Session& s, int index, const std::string& title) {
                                title, MsgButtons::YesNoCancel, MsgAnswer::Cancel);
   if (a == MsgAnswer::Cancel) return false;
   if (a == MsgAnswer::Yes) SaveLyr(s, index);
-  return true;
+  return a == MsgAnswer::No || !LyrChanged(s, index);
 }
 
 } // namespace
@@ -350,11 +265,25 @@ bool ConfirmCloseProject(Session& s, const std::function<bool(Session&)>& savePr
                      " Close Project Message Box ", MsgButtons::YesNoCancel, MsgAnswer::Cancel);
   if (a == MsgAnswer::Cancel) return false;
   if (a == MsgAnswer::No) return true;
-  return saveProject ? saveProject(s) : SaveProjectMenu(s);
+  if (!(saveProject ? saveProject(s) : SaveProjectMenu(s))) return false;
+  // A layer whose save failed keeps the session open: its changes are the only copy.
+  for (int i = 1; i <= s.LyrCount; ++i)
+    if (LyrChanged(s, i)) return false;
+  return true;
+}
+
+bool LyrBusyCanceled(Session& s, int index, const std::string& op) {
+  if (!LyrIsBusyMsg(s, index)) return false;
+  LogMsg(s, " *** " + op + " " + s.Lyr[index].LyrName + " has been canceled *** ");
+  return true;
+}
+
+bool LyrChanged(const Session& s, int index) {
+  return index >= 1 && index <= s.LyrCount && HasChanges(s.Lyr[index]);
 }
 
 void ReloadLyr(Session& s, int index) {
-  if (index < 1 || index > s.LyrCount || Canceled(s, index, "Reload Layer")) return;
+  if (index < 1 || index > s.LyrCount || LyrBusyCanceled(s, index, "Reload Layer")) return;
   if (!ConfirmReloadLyr(s, index)) return;
   OpenLyrFile(s, index, s.Lyr[index].Fsource);
   LogMsg(s, "Reload Layer " + s.Lyr[index].LyrName);

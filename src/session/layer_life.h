@@ -18,7 +18,22 @@ void NewLyrRow(Session& s, const std::string& path);
 void RemoveLyr(Session& s, int index, bool redraw);
 void SaveLyr(Session& s, int index);
 void SaveLyrAll(Session& s, int index);
+// A shape layer's path without an extension gets ".shp".
 void SaveLyrAs(Session& s, int index, const std::string& path);
+// The files of "Remove Deleted Features": the .shp without the deleted records and the
+// table without their rows, put in place together; the .shx goes. On failure the old files
+// stay and `why` says why. The caller opens the layer again.
+bool SaveLyrClean(Session& s, int index, std::string& why);
+// True when the layer has changes that no file holds yet.
+bool LyrChanged(const Session& s, int index);
+// True when the last save of the layer failed because its files or folder can't be
+// written: the window then offers Save As.
+bool SaveRefusedReadOnly(const Session& s, int index);
+// Asks whether to save a read-only layer under another name.
+bool AskSaveAsInstead(Session& s, int index);
+// The busy test of a layer operation: when the layer is busy, logs
+// " *** <op> <name> has been canceled *** " and is true.
+bool LyrBusyCanceled(Session& s, int index, const std::string& op);
 bool ConfirmRemoveLyr(Session& s, int index);
 bool ConfirmReloadLyr(Session& s, int index);
 // `saveProject` saves the project and tells whether it succeeded; by default Save Project

@@ -1,5 +1,6 @@
 #include "coords/prj_file.h"
 #include "frame/log.h"
+#include "model/companion_file.h"
 #include "model/file_util.h"
 #include "session/commands.h"
 #include "session/layer_life.h"
@@ -19,7 +20,7 @@ void OpenAnyFile(Session& s, const std::string& given) {
   } else if (ext == "shp" || ext == "jpg" || ext == "gif" || ext == "bmp") {
     AddShape(s, path, false);
   } else if (ext == "dbf" || ext == "shx") {
-    AddShape(s, ChangeExt(path, "shp"), false);
+    AddShape(s, CompanionPath(path, "shp"), false);
   } else if (ext == "tif" || ext == "png") {
     if (s.GdipReady) AddShape(s, path, false);
   } else if (ext == "prj") {

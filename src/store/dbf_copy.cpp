@@ -1,14 +1,22 @@
 // Whole tables made from others: new tables from field lists, "Save Dbf As" and
 // "Clean DBF File".
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include "frame/busy.h"
+#include "frame/log.h"
 #include "frame/lyr_slots.h"
+#include "frame/refusal_log.h"
+#include "model/companion_file.h"
 #include "model/file_util.h"
 #include "store/codepage.h"
 #include "store/dbf_internal.h"
 #include "store/dbf_store.h"
+#include "store/file_copy.h"
 
 namespace velmora {
 
@@ -95,93 +103,158 @@ void NewDbfMerged(Session& s, int lyr, const std::string& path) {
   CreateDbf(s, lyr, path);
 }
 
-void SaveDbfAs(Session& s, int lyr, const std::string& path) {
-  if (!ValidLyr(s, lyr) || !s.Lyr[lyr].Dbf.DbfExists) return;
-  int slot = TakeSlot(s, lyr);
-  RunningFunction rf(s, slot, "Save Dbf As");
-  if (!rf.Started()) return;
-  int page = s.Lyr[lyr].Dbf.CodePage;
-  InitDbf(s, slot);
-  s.Lyr[slot].Dbf.CodePage = page;
-  CopyAllFieldDefs(s, lyr, slot);
-  CreateDbf(s, slot, path);
-  if (s.DbfErr) {
-    rf.Finish(false);
-    ClearLyr(s, slot);
-    return;
+namespace {
+
+// A new empty table file of a unique name in `folder`, for the slot to write into; "" on
+// failure.
+std::string ScratchTable(const std::string& folder) {
+  for (int attempt = 0; attempt < 100; ++attempt) {
+    std::string tmp = TempName(folder, "qmt");
+    if (tmp.empty()) return "";
+    std::string dbf = ChangeExt(tmp, "dbf");
+    int fd = ::open(NativePath(dbf).c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, 0644);
+    int err = errno;
+    KillFile(tmp);
+    if (fd >= 0) {
+      ::close(fd);
+      return dbf;
+    }
+    if (err != EEXIST) return "";
   }
-  int n = s.Lyr[lyr].Shp.RecCount, written = 0;
-  for (int row = 0; row < n; ++row) {
-    ReadDbfRec(s, lyr, row);
-    CopyCells(s, lyr, slot);
-    WriteDbfRec(s, slot, row);
-    ++written;
-    if ((row + 1) % kRowsPerStep == 0 && rf.Step(row + 1, n)) break;
-  }
-  SetDbfRecCount(s, slot, written);
-  CloseDbf(s, slot);
-  WriteCpg(path, page);
-  rf.Finish();
-  ClearLyr(s, slot);
+  return "";
 }
 
-void CleanDbf(Session& s, int lyr, const std::string& path) {
-  if (!ValidLyr(s, lyr)) return;
-  int slot = TakeSlot(s, lyr);
-  RunningFunction rf(s, slot, "Clean DBF File");
-  if (!rf.Started()) return;
-  int page = s.Lyr[lyr].Dbf.CodePage;
-  InitDbf(s, slot);
-  s.Lyr[slot].Dbf.CodePage = page;
-  CopyAllFieldDefs(s, lyr, slot);
+// The table the slot wrote, as the contents of `fd` in the set.
+bool TakeScratch(const std::string& scratch, int fd, SafeFileSet& files) {
+  int src = ::open(NativePath(scratch).c_str(), O_RDONLY | O_CLOEXEC);
+  struct stat st {};
+  std::string why = ErrnoText(errno);
+  bool ok = src >= 0 && ::fstat(src, &st) == 0 && CopyFileBytes(src, fd, uint64_t(st.st_size), why);
+  if (src >= 0) ::close(src);
+  if (!ok) files.Fail(scratch + ": " + why);
+  return ok;
+}
 
-  std::string folder = FolderOf(path.empty() ? s.Lyr[lyr].Fsource : path);
-  std::string tmp = TempName(folder, "qmt");
-  if (tmp.empty()) {
-    rf.Finish(false);
-    ClearLyr(s, slot);
-    return;
+// Writes the rows of `lyr` chosen by `keep` through work slot `slot` into a scratch table
+// beside `target`, then into `fd`. Blank rows stand for features past the table's end.
+template <typename Keep>
+bool CopyRowsInto(Session& s, int lyr, int slot, RunningFunction& rf, const std::string& target,
+                  int fd, SafeFileSet& files, Keep keep) {
+  std::string scratch = ScratchTable(FolderOf(target));
+  if (scratch.empty()) {
+    files.Fail(FolderOf(target) + ": " + ErrnoText(errno ? errno : EACCES));
+    return false;
   }
-  std::string newDbf = ReplaceExt(tmp, "dbf");
-  CreateDbf(s, slot, tmp);
-  if (s.DbfErr) {
-    KillFile(tmp);
-    rf.Finish(false);
-    ClearLyr(s, slot);
-    return;
-  }
-
+  s.DbfErr = 0;
+  CreateDbf(s, slot, scratch);
+  bool ok = s.DbfErr == 0;
   int n = s.Lyr[lyr].Shp.RecCount, written = 0;
-  for (int row = 0; row < n; ++row) {
-    if (!RecDeleted(s, lyr, row + 1)) {
+  for (int row = 0; ok && row < n; ++row) {
+    if (keep(row)) {
       if (row >= s.Lyr[lyr].Dbf.DbfRecCount)
-        ClearDbfBuf(s, lyr); // more features than rows: a blank row
+        ClearDbfBuf(s, lyr);
       else
         ReadDbfRec(s, lyr, row);
       CopyCells(s, lyr, slot);
       WriteDbfRec(s, slot, written++);
+      ok = s.DbfErr == 0;
     }
-    if ((row + 1) % kRowsPerStep == 0 && rf.Step(row + 1, n)) break;
+    if (ok && (row + 1) % kRowsPerStep == 0 && rf.Step(row + 1, n)) {
+      files.Fail("terminated");
+      ok = false;
+    }
   }
-  SetDbfRecCount(s, slot, written);
+  int err = errno;
+  if (ok) SetDbfRecCount(s, slot, written);
+  ok = ok && s.DbfErr == 0;
+  if (!ok && s.DbfErr) files.Fail(target + ": " + ErrnoText(err ? err : EIO));
   CloseDbf(s, slot);
-  if (rf.Terminated()) { // the old table stays as it was
-    KillFile(newDbf);
-    KillFile(tmp);
-    rf.Finish();
-    ClearLyr(s, slot);
-    return;
-  }
-  rf.Finish();
-  ClearLyr(s, slot);
+  ok = ok && TakeScratch(scratch, fd, files);
+  KillFile(scratch);
+  return ok;
+}
 
-  std::string oldDbf = ReplaceExt(path.empty() ? s.Lyr[lyr].Fsource : path, "dbf");
+// Starts a copy of the layer's table into work slot `slot`: its field table and code page.
+void StartCopy(Session& s, int lyr, int slot) {
+  int page = s.Lyr[lyr].Dbf.CodePage;
+  InitDbf(s, slot);
+  s.Lyr[slot].Dbf.CodePage = page;
+  CopyAllFieldDefs(s, lyr, slot);
+}
+
+} // namespace
+
+bool WriteDbfAs(Session& s, int lyr, const std::string& path, SafeFileSet& files) {
+  if (!ValidLyr(s, lyr) || !s.Lyr[lyr].Dbf.DbfExists) return true;
+  std::string target = CompanionPath(path, "dbf");
+  int fd = files.Open(target);
+  if (fd < 0) return false;
+  int page = s.Lyr[lyr].Dbf.CodePage;
+  if (page) {
+    int cpg = files.Open(CompanionPath(path, "cpg"));
+    if (cpg < 0 || !files.Write(cpg, CpgTextOf(page))) return false;
+  }
+  int slot = TakeSlot(s, lyr);
+  RunningFunction rf(s, slot, "Save Dbf As");
+  if (!rf.Started()) {
+    files.Fail("busy");
+    return false;
+  }
+  StartCopy(s, lyr, slot);
+  bool ok = CopyRowsInto(s, lyr, slot, rf, target, fd, files, [](int) { return true; });
+  rf.Finish(false);
+  ClearLyr(s, slot);
+  return ok;
+}
+
+void SaveDbfAs(Session& s, int lyr, const std::string& path) {
+  if (!ValidLyr(s, lyr) || !s.Lyr[lyr].Dbf.DbfExists) return;
+  SafeFileSet files;
+  if (WriteDbfAs(s, lyr, path, files) && files.Commit()) {
+    LogMsg(s, "Save Dbf As " + s.Lyr[lyr].LyrName);
+  } else {
+    s.DbfErr = 1;
+    LogCanceled(s, "Save Dbf As " + s.Lyr[lyr].LyrName, files.Error());
+  }
+}
+
+bool WriteDbfClean(Session& s, int lyr, const std::string& path, SafeFileSet& files,
+                   std::string& target) {
+  if (!ValidLyr(s, lyr)) return false;
+  target = CompanionPath(path.empty() ? s.Lyr[lyr].Fsource : path, "dbf");
+  int fd = files.Open(target);
+  if (fd < 0) return false;
+  int slot = TakeSlot(s, lyr);
+  RunningFunction rf(s, slot, "Clean DBF File");
+  if (!rf.Started()) {
+    files.Fail("busy");
+    return false;
+  }
+  StartCopy(s, lyr, slot);
+  bool ok = CopyRowsInto(s, lyr, slot, rf, target, fd, files,
+                         [&](int row) { return !RecDeleted(s, lyr, row + 1); });
+  rf.Finish(false);
+  ClearLyr(s, slot);
+  return ok;
+}
+
+void ApplyDbfCleaned(Session& s, int lyr, const std::string& target) {
   CloseDbf(s, lyr);
-  KillFile(tmp);
-  KillFile(oldDbf);
-  std::rename(NativePath(newDbf).c_str(), NativePath(oldDbf).c_str());
-  OpenDbf(s, lyr, oldDbf);
+  OpenDbf(s, lyr, target);
   InitDataUndo(s, lyr); // the rows have new numbers
+}
+
+void CleanDbf(Session& s, int lyr, const std::string& path) {
+  if (!ValidLyr(s, lyr)) return;
+  SafeFileSet files;
+  std::string target;
+  if (WriteDbfClean(s, lyr, path, files, target) && files.Commit()) {
+    ApplyDbfCleaned(s, lyr, target);
+    LogMsg(s, "Clean DBF File " + s.Lyr[lyr].LyrName);
+  } else {
+    s.DbfErr = 1;
+    LogCanceled(s, "Clean DBF File " + s.Lyr[lyr].LyrName, files.Error());
+  }
 }
 
 } // namespace velmora

@@ -50,7 +50,11 @@ bool EnsureDbfOpen(Session& s, int lyr) {
   DbfBlock& b = s.Lyr[lyr].Dbf;
   if (b.DbfOpen && b.Files && b.Files->Dbf.IsOpen()) return true;
   if (!b.DbfExists || !b.Files || b.Files->DbfPath.empty()) return false;
-  if (!b.Files->Dbf.Open(b.Files->DbfPath, FileMode(s))) return false;
+  // A table being made is written; a layer's table is only read (a save writes a new
+  // file), so a file that can't be written still opens.
+  if (!b.Files->Dbf.Open(b.Files->DbfPath, FileMode(s)) &&
+      !b.Files->Dbf.Open(b.Files->DbfPath, WindowedFile::Mode::Read))
+    return false;
   b.DbfFile = b.Files->Dbf.Fd();
   b.DbfOpen = -1;
   return true;
@@ -188,7 +192,7 @@ void OpenDbf(Session& s, int lyr, const std::string& path) {
     s.DbfErr = 1;
     return;
   }
-  if (!files.Dbf.Open(dbfPath, FileMode(s)) || !ReadHeader(s, b, files.Dbf)) {
+  if (!files.Dbf.Open(dbfPath, WindowedFile::Mode::Read) || !ReadHeader(s, b, files.Dbf)) {
     files.Dbf.Close();
     b.DbfExists = 0;
     b.DbfChanged = 0;

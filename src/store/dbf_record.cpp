@@ -131,38 +131,4 @@ void ClearDbfBuf(Session& s, int lyr) {
   b.DbfBufChanged = -1;
 }
 
-void SaveDbf(Session& s, int lyr) {
-  if (!ValidLyr(s, lyr)) return;
-  DbfBlock& b = s.Lyr[lyr].Dbf;
-  if (!b.DbfChanged) return;
-  if (b.SwapOpen && b.Files) {
-    // Only the rows in the swap file are visited, in rising order: each write's spare
-    // byte lies on the next row's flag.
-    std::vector<int32_t> rows = b.Files->SlotRows;
-    std::sort(rows.begin(), rows.end());
-    if (!EnsureDbfOpen(s, lyr)) {
-      s.DbfErr = 1;
-      return;
-    }
-    int64_t fileEnd = b.Files->Dbf.Size();
-    for (int32_t row : rows) {
-      if (row >= b.DbfRecCount || !InSwap(b, row)) continue;
-      ReadDbfRec(s, lyr, row);
-      // The spare byte of a swap slot is not this file's: keep the next row's own flag.
-      uint64_t next = DbfOffset(b, row + 1);
-      uint8_t spare = ' ';
-      if (int64_t(next) < fileEnd && b.Files->Dbf.ReadAt(next, &spare, 1) != 1) spare = ' ';
-      b.DbfBuf[BufBytes(b) - 1] = spare;
-      s.DbfErr = 0;
-      WriteDbfRec(s, lyr, row);
-      if (s.DbfErr) return; // a read-only file: the edits stay in the swap
-      b.SwapIndex[size_t(row)] = -1;
-    }
-  }
-  SetDbfRecCount(s, lyr, b.DbfRecCount);
-  b.DbfChanged = 0;
-  CloseSwap(s, lyr);
-  s.host->LayerItemChanged(lyr);
-}
-
 } // namespace velmora

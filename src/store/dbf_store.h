@@ -1,6 +1,7 @@
 #pragma once
 #include <string>
 
+#include "model/safe_file.h"
 #include "model/session.h"
 
 namespace velmora {
@@ -42,6 +43,22 @@ void AddRow(Session& s, int srcLyr, int srcRow, int dstLyr, int dstRow, bool byP
 
 void SaveDbfAs(Session& s, int lyr, const std::string& path);
 void CleanDbf(Session& s, int lyr, const std::string& path);
+
+// Saves as parts of a layer's save, so that its .shx, .shp and .dbf are replaced together:
+// each writes its new file into `files` and leaves the layer as it is; after a good commit
+// of the set its Apply call tells the layer. False, with the reason in `files`, on failure.
+//
+// The table with its edited rows (SaveDbf); nothing is written when nothing changed.
+bool WriteDbfFile(Session& s, int lyr, SafeFileSet& files);
+void ApplyDbfSaved(Session& s, int lyr);
+// "Save Dbf As": the table with every row under `path` (and its .cpg when the layer has a
+// code page of its own). Nothing is written for a layer without a table.
+bool WriteDbfAs(Session& s, int lyr, const std::string& path, SafeFileSet& files);
+// "Clean DBF File": the table without the rows of deleted features, over the table of
+// `path` (the layer's source when empty), whose path goes to `target`.
+bool WriteDbfClean(Session& s, int lyr, const std::string& path, SafeFileSet& files,
+                   std::string& target);
+void ApplyDbfCleaned(Session& s, int lyr, const std::string& target);
 
 // Default tables: made, filled with RecCount rows, closed and opened again.
 void NewDbfDefault(Session& s, int lyr, const std::string& path);

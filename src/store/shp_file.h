@@ -38,7 +38,4 @@ void MakeEmptyDeleted(ShpRecord& r, double x, double y);
 // The vertex, Z and M arrays of `part` made to fit `shapeType`.
 void FitPartToType(ShpPart& part, int shapeType);
 
-// Content length of a record in 16-bit words; -1 where the type has no case.
-int64_t ShpContentLength(const ShpRecord& r);
-
 } // namespace velmora::shpio

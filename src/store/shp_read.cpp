@@ -7,6 +7,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "model/companion_file.h"
 #include "model/file_util.h"
 #include "model/shp_arena.h"
 #include "store/shp_bytes.h"
@@ -151,17 +152,25 @@ bool Accepted(int t) {
   }
 }
 
+// Whether the Z records of a layer came with their optional M block.
+struct MeasureSeen {
+  bool with = false, without = false;
+};
+
 // Reads one Z or M block: range then each part's values. The M block of a Z record is
 // optional in the published format; when the record's stated length has no room for
 // it, the values stay zero.
-void ReadMeasureBlock(ShpCursor& c, ShpRecord& r, bool isZ, size_t contentEnd) {
+void ReadMeasureBlock(ShpCursor& c, ShpRecord& r, bool isZ, size_t contentEnd, MeasureSeen& seen) {
   uint64_t need = 16;
   for (const ShpPart& p : r.Parts())
     need += 8 * uint64_t(isZ ? p.PartZ().size() : p.PartM().size());
+  bool zType = HasZ(r.ShapeType);
   if (!isZ && c.Pos() + need > contentEnd) {
     for (ShpPart& p : r.Parts()) std::fill(p.PartM().begin(), p.PartM().end(), 0.0);
+    seen.without = seen.without || zType;
     return;
   }
+  if (!isZ) seen.with = seen.with || zType;
   double lo = c.F(), hi = c.F();
   (isZ ? r.Zmin : r.Mmin) = lo;
   (isZ ? r.Zmax : r.Mmax) = hi;
@@ -179,7 +188,8 @@ void ReadBox(ShpCursor& c, ShpRecord& r) {
   r.Ymax = F64(b + 24);
 }
 
-void ReadPoint(ShpCursor& c, ShpArena& arena, ShpRecord& r, int t, size_t contentEnd) {
+void ReadPoint(ShpCursor& c, ShpArena& arena, ShpRecord& r, int t, size_t contentEnd,
+               MeasureSeen& seen) {
   bool z = HasZ(t), m = HasM(t);
   r.BorrowParts(arena, 1);
   ShpPart& p = r.Part(0);
@@ -199,13 +209,16 @@ void ReadPoint(ShpCursor& c, ShpArena& arena, ShpRecord& r, int t, size_t conten
     r.Zmin = r.Zmax = zv;
   }
   if (m) {
-    double mv = c.Pos() + 8 <= contentEnd ? c.F() : 0.0;
+    bool there = c.Pos() + 8 <= contentEnd;
+    if (z) (there ? seen.with : seen.without) = true;
+    double mv = there ? c.F() : 0.0;
     p.PartM()[0] = mv;
     r.Mmin = r.Mmax = mv;
   }
 }
 
-void ReadMultiPoint(ShpCursor& c, ShpArena& arena, ShpRecord& r, int t, size_t contentEnd) {
+void ReadMultiPoint(ShpCursor& c, ShpArena& arena, ShpRecord& r, int t, size_t contentEnd,
+                    MeasureSeen& seen) {
   ReadBox(c, r);
   int32_t nv = c.I32();
   c.MustHold(nv, 16);
@@ -217,11 +230,12 @@ void ReadMultiPoint(ShpCursor& c, ShpArena& arena, ShpRecord& r, int t, size_t c
   p.PartFlag = 0;
   p.BorrowFrom(arena, size_t(nv), HasZ(t), HasM(t));
   if (nv) std::memcpy(p.PartPoints().data(), c.Take(16 * uint64_t(nv)), 16 * size_t(nv));
-  if (HasZ(t)) ReadMeasureBlock(c, r, true, contentEnd);
-  if (HasM(t)) ReadMeasureBlock(c, r, false, contentEnd);
+  if (HasZ(t)) ReadMeasureBlock(c, r, true, contentEnd, seen);
+  if (HasM(t)) ReadMeasureBlock(c, r, false, contentEnd, seen);
 }
 
-void ReadLineLayout(ShpCursor& c, ShpArena& arena, ShpRecord& r, int t, size_t contentEnd) {
+void ReadLineLayout(ShpCursor& c, ShpArena& arena, ShpRecord& r, int t, size_t contentEnd,
+                    MeasureSeen& seen) {
   ReadBox(c, r);
   int32_t np = c.I32();
   int32_t nv = c.I32();
@@ -257,12 +271,12 @@ void ReadLineLayout(ShpCursor& c, ShpArena& arena, ShpRecord& r, int t, size_t c
     }
     if (kinds) p.PartFlag = LE32(kinds + 4 * i);
   }
-  if (z) ReadMeasureBlock(c, r, true, contentEnd);
-  if (m) ReadMeasureBlock(c, r, false, contentEnd);
+  if (z) ReadMeasureBlock(c, r, true, contentEnd, seen);
+  if (m) ReadMeasureBlock(c, r, false, contentEnd, seen);
 }
 
 // Reads the record at the cursor (its 8-byte header first) into `r`.
-void ReadRecordAt(ShpCursor& c, ShpArena& arena, LyrRec& L, ShpRecord& r) {
+void ReadRecordAt(ShpCursor& c, ShpArena& arena, LyrRec& L, ShpRecord& r, MeasureSeen& seen) {
   const uint8_t* h = c.Take(8);
   L.Shp.RecHdrNumber = BE32(h);
   L.Shp.RecHdrLength = BE32(h + 4);
@@ -284,13 +298,13 @@ void ReadRecordAt(ShpCursor& c, ShpArena& arena, LyrRec& L, ShpRecord& r) {
     return;
   }
   if (IsPoint(t)) {
-    ReadPoint(c, arena, r, t, contentEnd);
+    ReadPoint(c, arena, r, t, contentEnd, seen);
     return;
   }
   if (IsMultiPoint(t))
-    ReadMultiPoint(c, arena, r, t, contentEnd);
+    ReadMultiPoint(c, arena, r, t, contentEnd, seen);
   else
-    ReadLineLayout(c, arena, r, t, contentEnd);
+    ReadLineLayout(c, arena, r, t, contentEnd, seen);
   if (r.NumParts == 0 || r.NumPoints == 0) {
     ShpRecord empty;
     MakeEmptyDeleted(empty, LeftExtend(L), TopExtend(L));
@@ -310,6 +324,7 @@ void LoadShpRecords(Session& s, int lyr, const std::string& path, const FileByte
   LyrRec& L = s.Lyr[lyr];
   ShpBlock& B = L.Shp;
   ShpCursor c(shp.data(), shp.size);
+  MeasureSeen seen;
   if (shx) {
     if (B.RecCount < 0) throw ReadFail{};
     // Every entry inside the stated length must be in the file, or its read fails: find
@@ -327,7 +342,7 @@ void LoadShpRecords(Session& s, int lyr, const std::string& path, const FileByte
       B.RecOffset = BE32(shx->bytes.data() + at);
       B.RecLength = BE32(shx->bytes.data() + at + 4);
       c.Seek(2 * int64_t(B.RecOffset));
-      ReadRecordAt(c, *B.Arena, L, B.ShpRecs[size_t(rec)]);
+      ReadRecordAt(c, *B.Arena, L, B.ShpRecs[size_t(rec)], seen);
     }
   } else {
     B.RecCount = 0;
@@ -344,7 +359,7 @@ void LoadShpRecords(Session& s, int lyr, const std::string& path, const FileByte
       }
       ShpRecord& r = B.ShpRecs[size_t(B.RecCount) + 1];
       try {
-        ReadRecordAt(c, *B.Arena, L, r);
+        ReadRecordAt(c, *B.Arena, L, r, seen);
       } catch (const ReadFail&) {
         r = ShpRecord(); // a truncated tail is not a record
         break;
@@ -355,6 +370,7 @@ void LoadShpRecords(Session& s, int lyr, const std::string& path, const FileByte
     B.ShpRecs.shrink_to_fit();
   }
   B.Arena->Trim();
+  B.ZWithoutM = seen.without && !seen.with ? -1 : 0;
   MakeFrameRecord(B.ShpRecs[0]);
   if (s.ShpFileRead) s.ShpFileRead(s, path);
   RecalcExtent(s, lyr);
@@ -367,8 +383,8 @@ void OpenShp(Session& s, int lyr, const std::string& path) {
   s.ShpErr = 0;
   LyrRec& L = s.Lyr[lyr];
   ShpBlock& B = L.Shp;
-  std::string shxPath = ReplaceExt(path, "shx");
-  std::string shpPath = ReplaceExt(path, "shp");
+  std::string shxPath = CompanionPath(path, "shx");
+  std::string shpPath = CompanionPath(path, "shp");
   try {
     IndexFile shx;
     bool haveShx = false;

@@ -1,6 +1,8 @@
 #pragma once
 #include <string>
+#include <vector>
 
+#include "model/safe_file.h"
 #include "model/session.h"
 
 namespace velmora {
@@ -15,6 +17,21 @@ void SaveShp(Session& s, int lyr, const std::string& path);
 void SaveShpClean(Session& s, int lyr, const std::string& path);
 void NewShp(Session& s, int lyr, const std::string& path, int shapeType);
 void CloseShp(Session& s, int lyr);
+
+// What a save of the geometry tells the layer, held back until its files are in place.
+struct ShpSaved {
+  ShpMainHeader ShpHeader, ShxHeader;
+  int32_t RecOffset = 0, RecLength = 0, RecHdrNumber = 0;
+  bool Clean = false;
+  std::vector<uint8_t> SelBits; // a clean save: the selection under the new numbers
+  std::string ShxPath;          // a clean save: the index that goes once the .shp is in place
+};
+// Writes the layer's .shx and .shp (a clean save: only the .shp) under `path` into `files`,
+// to be committed with the layer's other files. The layer is not changed; after a good
+// commit ApplyShpSaved tells it. False, with the reason in `files`, on any failure.
+bool WriteShpFiles(Session& s, int lyr, const std::string& path, bool clean, SafeFileSet& files,
+                   ShpSaved& out);
+void ApplyShpSaved(Session& s, int lyr, const ShpSaved& saved);
 
 // Record side.
 bool IsDeleted(const Session& s, int lyr, int rec);

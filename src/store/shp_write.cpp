@@ -1,13 +1,16 @@
-// Writing a layer: .shx and .shp rewritten whole from memory, in the writer's fixed order
-// of operations (see WriteShpRecord).
+// Writing a layer: .shx and .shp made whole from memory as new files, which replace the old
+// ones only once they are complete (SafeFileSet).
 #include <algorithm>
 #include <cerrno>
+#include <climits>
 #include <cstring>
 #include <fcntl.h>
 #include <unistd.h>
 #include <vector>
 
+#include "model/companion_file.h"
 #include "model/file_util.h"
+#include "store/shp_access.h"
 #include "store/shp_bytes.h"
 #include "store/shp_file.h"
 #include "store/shp_store.h"
@@ -16,57 +19,13 @@ namespace velmora {
 
 using namespace shpio;
 
-namespace shpio {
-
-int64_t ShpContentLength(const ShpRecord& r) {
-  int64_t P = r.NumParts, N = r.NumPoints;
-  switch (r.ShapeType) {
-  case 1:
-    return 10;
-  case 3:
-  case 5:
-  case 99:
-  case 100:
-    return 22 + 2 * P + 8 * N;
-  case 8:
-    return 20 + 8 * N;
-  case 11:
-    return 18;
-  case 13:
-  case 15:
-    return 38 + 2 * P + 16 * N;
-  case 18:
-    return 36 + 16 * N;
-  case 21:
-    return 14;
-  case 23:
-  case 25:
-    return 30 + 2 * P + 12 * N;
-  case 28:
-    return 28 + 12 * N;
-  case 31:
-    return 38 + 4 * P + 16 * N;
-  default:
-    return -1;
-  }
-}
-
-} // namespace shpio
-
 namespace {
 
-struct WriteFail {};
+struct WriteFail {
+  std::string why;
+};
 
-void PWriteAll(int fd, const uint8_t* p, size_t n, int64_t at) {
-  while (n > 0) {
-    ssize_t w = ::pwrite(fd, p, n, off_t(at));
-    if (w < 0 && errno == EINTR) continue;
-    if (w <= 0) throw WriteFail{};
-    p += w;
-    n -= size_t(w);
-    at += w;
-  }
-}
+constexpr size_t kFlushAt = 8 << 20;
 
 // A growable byte buffer whose new bytes are not cleared: every byte is written before it
 // is used.
@@ -82,10 +41,6 @@ public:
     n_ += k;
     return r;
   }
-  void EraseFront(size_t k) {
-    if (k < n_) std::memmove(p_.get(), p_.get() + k, n_ - k);
-    n_ = k < n_ ? n_ - k : 0;
-  }
 
 private:
   std::unique_ptr<uint8_t[]> p_;
@@ -99,73 +54,6 @@ private:
   }
 };
 
-// Writes at absolute positions through a window of memory that is flushed in big
-// pieces. The file as it will stand is the disk overlaid with the window; where the window
-// grows over bytes already on disk it takes them in first, so a later write over an
-// earlier one (the next record header over what a record wrote past its length) lands
-// exactly as it would on the file itself.
-class PosWriter {
-public:
-  explicit PosWriter(int fd) : fd_(fd) {}
-
-  void Write(int64_t pos, const void* p, size_t n) {
-    if (pos < 0) throw WriteFail{};
-    int64_t end = start_ + int64_t(win_.Size());
-    if (pos < start_ || pos - end > kGapInWindow) {
-      Flush();
-      start_ = pos; // a hole left behind reads as zeros
-      end = pos;
-    }
-    size_t off = size_t(pos - start_);
-    if (off + n > win_.Size()) {
-      size_t old = win_.Size();
-      win_.Extend(off + n - old);
-      if (off > old) {
-        // A gap before this write: zeros, or what the file already holds there.
-        std::memset(win_.Data() + old, 0, off - old);
-        int64_t a = end, b = std::min(start_ + int64_t(off), diskEnd_);
-        if (b > a && ::pread(fd_, win_.Data() + old, size_t(b - a), off_t(a)) < 0)
-          throw WriteFail{};
-      }
-    }
-    std::memcpy(win_.Data() + off, p, n);
-  }
-  // Called before each record: what lies before `pos` is flushed once the window is big.
-  void MayFlush(int64_t pos) {
-    int64_t end = start_ + int64_t(win_.Size());
-    if (pos - start_ < kFlushAt || pos > end) return;
-    size_t n = size_t(pos - start_);
-    PWriteAll(fd_, win_.Data(), n, start_);
-    diskEnd_ = std::max(diskEnd_, pos);
-    win_.EraseFront(n);
-    start_ = pos;
-  }
-  void Flush() {
-    if (win_.Size() == 0) return;
-    PWriteAll(fd_, win_.Data(), win_.Size(), start_);
-    start_ += int64_t(win_.Size());
-    diskEnd_ = std::max(diskEnd_, start_);
-    win_.Clear();
-  }
-  int64_t End() const { return std::max(diskEnd_, start_ + int64_t(win_.Size())); }
-
-private:
-  static constexpr int64_t kFlushAt = 8 << 20;
-  static constexpr int64_t kGapInWindow = 1 << 16;
-  int fd_;
-  ByteBuf win_;
-  int64_t start_ = 0;
-  int64_t diskEnd_ = 0; // bytes on disk so far
-};
-
-int OpenForWrite(const std::string& path) {
-  KillFile(path);
-  int fd = ::open(NativePath(path).c_str(), O_CREAT | O_TRUNC | O_RDWR | O_CLOEXEC, 0644);
-  if (fd < 0) throw WriteFail{};
-  return fd;
-}
-
-// The record's bytes from its header on, into `out`.
 class RecBytes {
 public:
   ByteBuf b;
@@ -187,20 +75,30 @@ void PutBox(RecBytes& o, const ShpRecord& r) {
   o.F(r.Ymax);
 }
 
-// One part's Z or M values; a part without the array gives zeros, so the blocks keep
-// their place.
+// The live vertices of a part and its Z or M values beside them; a part without the array
+// gives zeros, so the blocks keep their place.
+void PutPoints(RecBytes& o, const ShpPart& p) {
+  o.Raw(p.PartPoints().data(), 16 * LiveCount(p));
+}
 void PutValues(RecBytes& o, const ShpPart& p, bool isZ) {
   std::span<const double> v = isZ ? p.PartZ() : p.PartM();
-  if (!v.empty())
-    o.Raw(v.data(), 8 * v.size());
-  else
-    o.Zeros(8 * p.Size());
+  size_t n = LiveCount(p), have = std::min(n, v.size());
+  o.Raw(v.data(), 8 * have);
+  o.Zeros(8 * (n - have));
 }
 
-void PutContent(RecBytes& o, ShpRecord& r) {
+// True when the type has a layout behind its type word.
+bool HasLayout(int t) {
+  return IsPoint(t) || IsMultiPoint(t) || IsLineLayout(t) || t == 31;
+}
+
+// The record's content, type word first. Only live parts are written: a soft-deleted
+// part's vertices are in no block, so every reader sees the record as its live parts.
+void PutContent(RecBytes& o, ShpRecord& r, bool omitM) {
   int t = r.ShapeType;
   o.I32(t);
-  if (t < 1 || t > 100) return;
+  if (!HasLayout(t)) return;
+  bool withM = HasM(t) && !(omitM && HasZ(t));
   if (IsPoint(t)) {
     XY v{};
     double z = 0, m = 0;
@@ -213,184 +111,249 @@ void PutContent(RecBytes& o, ShpRecord& r) {
     o.F(v.X);
     o.F(v.Y);
     if (HasZ(t)) o.F(z);
-    if (HasM(t)) o.F(m);
+    if (withM) o.F(m);
     return;
   }
   if (IsMultiPoint(t)) {
-    PutBox(o, r);
-    o.I32(r.NumPoints);
     const ShpPart* p = r.PartSlots() > 0 ? &r.Part(0) : nullptr;
-    if (p) o.Raw(p->PartPoints().data(), 16 * p->Size());
+    PutBox(o, r);
+    o.I32(p ? int32_t(LiveCount(*p)) : 0);
+    if (!p) return;
+    PutPoints(o, *p);
     if (HasZ(t)) {
       o.F(r.Zmin);
       o.F(r.Zmax);
-      if (p) PutValues(o, *p, true);
+      PutValues(o, *p, true);
     }
-    if (HasM(t)) {
+    if (withM) {
       o.F(r.Mmin);
       o.F(r.Mmax);
-      if (p) PutValues(o, *p, false);
+      PutValues(o, *p, false);
     }
     return;
   }
-  if (!IsLineLayout(t) && t != 31) return; // a type word with no layout: nothing follows
   std::span<ShpPart> parts = r.Parts();
   int32_t live = 0;
+  int64_t points = 0;
   for (size_t i = 0; i < parts.size(); ++i) {
-    parts[i].PartStart = i == 0 ? 0 : parts[i - 1].PartStart + parts[i - 1].PartCount;
-    if (parts[i].PartCount != 0) ++live;
+    parts[i].PartStart = i == 0 ? 0 : parts[i - 1].PartStart + int32_t(LiveCount(parts[i - 1]));
+    if (LiveCount(parts[i]) == 0) continue;
+    ++live;
+    points += int64_t(LiveCount(parts[i]));
   }
+  if (points > INT32_MAX) throw WriteFail{"a feature has too many vertices"};
   PutBox(o, r);
   o.I32(live);
-  o.I32(r.NumPoints);
+  o.I32(int32_t(points));
   for (const ShpPart& p : parts)
-    if (p.PartCount != 0) o.I32(p.PartStart);
+    if (LiveCount(p)) o.I32(p.PartStart);
   if (t == 31)
     for (const ShpPart& p : parts)
-      if (p.PartCount != 0) o.I32(p.PartFlag);
-  // Every part's vertices, the soft-deleted ones too: they run past the stated length
-  // and the next record's header covers them.
-  for (const ShpPart& p : parts) o.Raw(p.PartPoints().data(), 16 * p.Size());
+      if (LiveCount(p)) o.I32(p.PartFlag);
+  for (const ShpPart& p : parts) PutPoints(o, p);
   if (HasZ(t)) {
     o.F(r.Zmin);
     o.F(r.Zmax);
     for (const ShpPart& p : parts) PutValues(o, p, true);
   }
-  if (HasM(t)) {
+  if (withM) {
     o.F(r.Mmin);
     o.F(r.Mmax);
     for (const ShpPart& p : parts) PutValues(o, p, false);
   }
 }
 
-struct Target {
-  int shpFd = -1, shxFd = -1;
-  ~Target() {
-    if (shpFd >= 0) ::close(shpFd);
-    if (shxFd >= 0) ::close(shxFd);
-  }
-};
+// A Z layer read without M blocks is written without them, unless an edit has since given
+// a vertex a measure.
+bool OmitMeasures(const ShpBlock& B) {
+  if (!B.ZWithoutM || !HasZ(B.ShpType)) return false;
+  for (int32_t rec = 1; rec <= B.RecCount; ++rec)
+    for (const ShpPart& p : B.ShpRecs[size_t(rec)].Parts())
+      for (double m : p.PartM())
+        if (m != 0) return false;
+  return true;
+}
 
-// SaveShp and SaveShpClean share all but the choice and numbering of records.
-void WriteLayer(Session& s, int lyr, const std::string& path, bool clean) {
-  s.ShpErr = 0;
+// Moves the selection bit of record `rec` to `number` (a clean save renumbers).
+void MoveSelBit(std::vector<uint8_t>& bits, int32_t rec, int32_t number) {
+  size_t ob = size_t(rec) / 8, nb = size_t(number) / 8;
+  if (ob >= bits.size() || nb >= bits.size()) return;
+  bool on = bits[ob] & (1u << (rec % 8));
+  if (on)
+    bits[nb] = uint8_t(bits[nb] | (1u << (number % 8)));
+  else
+    bits[nb] = uint8_t(bits[nb] & ~(1u << (number % 8)));
+}
+
+void PWriteAll(int fd, const uint8_t* p, size_t n, off_t at, const std::string& path) {
+  while (n > 0) {
+    ssize_t w = ::pwrite(fd, p, n, at);
+    if (w < 0 && errno == EINTR) continue;
+    if (w <= 0) throw WriteFail{path + ": " + ErrnoText(w < 0 ? errno : ENOSPC)};
+    p += w;
+    n -= size_t(w);
+    at += w;
+  }
+}
+
+void WriteRecords(Session& s, int lyr, bool clean, SafeFileSet& files, int shpFd, int shxFd,
+                  const std::string& shpPath, ShpSaved& out) {
   LyrRec& L = s.Lyr[lyr];
   ShpBlock& B = L.Shp;
+  bool omitM = OmitMeasures(B);
+  if (clean) out.SelBits = L.SelBits;
+
+  out.ShxHeader = B.ShpHeader;
+  out.ShxHeader.FileCode = kFileCode;
+  out.ShxHeader.ShapeType = B.ShpType;
+  out.ShxHeader.FileLength = int32_t(int64_t(B.RecCount) * 4 + 50);
+  out.ShpHeader = B.ShpHeader;
+  out.ShpHeader.ShapeType = B.ShpType;
+  out.RecOffset = B.RecOffset;
+  out.RecLength = B.RecLength;
+  out.RecHdrNumber = B.RecHdrNumber;
+
+  std::vector<uint8_t> shx(clean ? 0 : size_t(kHeaderBytes) + 8 * size_t(B.RecCount));
+  ByteBuf shp;
+  std::memset(shp.Extend(kHeaderBytes), 0, kHeaderBytes); // the header goes in at the end
+  RecBytes rb;
+  int32_t number = 0;
+  int64_t off = 50, len = 0;
+  for (int32_t rec = 1; rec <= B.RecCount; ++rec) {
+    ShpRecord& r = B.ShpRecs[size_t(rec)];
+    if (clean && r.ShapeType == 0) continue;
+    ++number;
+    if (clean) MoveSelBit(out.SelBits, rec, number);
+    off = number == 1 ? 50 : off + len + 4;
+    rb.b.Clear();
+    rb.BE(number);
+    rb.BE(0);
+    PutContent(rb, r, omitM);
+    int64_t content = int64_t(rb.b.Size()) - 8;
+    if (HasLayout(r.ShapeType)) {
+      len = content / 2;
+    } else {
+      // A deleted record (or a type word without a layout) is a null record in its
+      // predecessor's slot, the rest of which is zero; the first one takes two words.
+      len = number > 1 && len >= 2 ? len : 2;
+      rb.Zeros(size_t(2 * len - content));
+    }
+    if (off + len + 4 > INT32_MAX) throw WriteFail{"the layer is too large for a shapefile"};
+    PutBE32(rb.b.Data() + 4, int32_t(len));
+    if (!clean) {
+      uint8_t* e = shx.data() + kHeaderBytes + 8 * size_t(number - 1);
+      PutBE32(e, int32_t(off));
+      PutBE32(e + 4, int32_t(len));
+    }
+    std::memcpy(shp.Extend(rb.b.Size()), rb.b.Data(), rb.b.Size());
+    if (shp.Size() >= kFlushAt) {
+      if (!files.Write(shpFd, shp.Data(), shp.Size())) throw WriteFail{};
+      shp.Clear();
+    }
+  }
+  if (number > 0) {
+    out.RecOffset = int32_t(off);
+    out.RecLength = int32_t(len);
+    out.RecHdrNumber = number;
+  }
+  if (shp.Size() && !files.Write(shpFd, shp.Data(), shp.Size())) throw WriteFail{};
+  out.ShpHeader.FileLength = number > 0 ? int32_t(off + len + 4) : 50;
+  uint8_t hdr[kHeaderBytes];
+  EncodeHeader(out.ShpHeader, hdr);
+  PWriteAll(shpFd, hdr, sizeof hdr, 0, shpPath);
+  if (!clean) {
+    EncodeHeader(out.ShxHeader, shx.data());
+    if (!files.Write(shxFd, shx.data(), shx.size())) throw WriteFail{};
+  }
+}
+
+} // namespace
+
+bool WriteShpFiles(Session& s, int lyr, const std::string& path, bool clean, SafeFileSet& files,
+                   ShpSaved& out) {
+  LyrRec& L = s.Lyr[lyr];
+  ShpBlock& B = L.Shp;
+  out = ShpSaved{};
+  out.Clean = clean;
   if (L.LyrKind == 0 || B.RecCount < 0 ||
       size_t(B.RecCount) >= std::max<size_t>(B.ShpRecs.size(), 1)) {
-    s.ShpErr = 1;
-    return;
+    files.Fail("the layer is not open");
+    return false;
   }
-  std::string shxPath = ReplaceExt(path, "shx");
-  std::string shpPath = ReplaceExt(path, "shp");
   CloseShp(s, lyr);
-  Target files;
+  std::string shxPath = CompanionPath(path, "shx");
+  std::string shpPath = CompanionPath(path, "shp");
+  int shxFd = -1;
+  if (!clean && (shxFd = files.Open(shxPath)) < 0) return false;
+  int shpFd = files.Open(shpPath);
+  if (shpFd < 0) return false;
   try {
-    // CreateShx.
-    files.shxFd = OpenForWrite(shxPath);
-    B.ShxHeader = B.ShpHeader;
-    B.ShxHeader.FileCode = kFileCode;
-    B.ShxHeader.ShapeType = B.ShpType;
-    B.ShxHeader.Version = B.ShpHeader.Version;
-    B.ShxHeader.FileLength = int32_t(int64_t(B.RecCount) * 4 + 50);
-    B.ShxOpen = -1;
-    std::vector<uint8_t> shx(size_t(kHeaderBytes) + 8 * size_t(std::max(B.RecCount, 0)));
-    EncodeHeader(B.ShxHeader, shx.data());
-    size_t shxEnd = kHeaderBytes;
-    int64_t shxStated = 2 * int64_t(B.ShxHeader.FileLength);
-
-    // CreateShp.
-    files.shpFd = OpenForWrite(shpPath);
-    B.ShpOpen = -1;
-    B.ShpHeader.ShapeType = B.ShpType;
-    uint8_t hdr[kHeaderBytes];
-    EncodeHeader(B.ShpHeader, hdr);
-    PosWriter shp(files.shpFd);
-    shp.Write(0, hdr, sizeof hdr);
-
-    RecBytes rb;
-    int32_t number = 0;
-    for (int32_t rec = 1; rec <= B.RecCount; ++rec) {
-      ShpRecord& r = B.ShpRecs[size_t(rec)];
-      if (clean && r.ShapeType == 0) continue;
-      ++number;
-      if (clean) {
-        // The selection bit moves with the record to its new number.
-        size_t ob = size_t(rec) / 8, nb = size_t(number) / 8;
-        if (ob < L.SelBits.size() && nb < L.SelBits.size()) {
-          bool on = L.SelBits[ob] & (1u << (rec % 8));
-          if (on)
-            L.SelBits[nb] = uint8_t(L.SelBits[nb] | (1u << (number % 8)));
-          else
-            L.SelBits[nb] = uint8_t(L.SelBits[nb] & ~(1u << (number % 8)));
-        }
-      }
-      // Advance; a record with no length of its own keeps its predecessor's.
-      int64_t off = number == 1 ? 50 : int64_t(B.RecOffset) + B.RecLength + 4;
-      int64_t len = ShpContentLength(r);
-      if (len < 0) len = B.RecLength;
-      if (off > INT32_MAX || off < INT32_MIN || len > INT32_MAX) throw WriteFail{};
-      B.RecOffset = int32_t(off);
-      B.RecLength = int32_t(len);
-      // The .shx entry; past the stated length the record is skipped.
-      int64_t at = kHeaderBytes + 8 * int64_t(number - 1);
-      if (at + 8 > shxStated || at + 8 > int64_t(shx.size())) continue;
-      PutBE32(shx.data() + at, B.RecOffset);
-      PutBE32(shx.data() + at + 4, B.RecLength);
-      shxEnd = std::max(shxEnd, size_t(at + 8));
-      // Header and content.
-      B.RecHdrNumber = number;
-      B.RecHdrLength = B.RecLength;
-      rb.b.Clear();
-      rb.BE(number);
-      rb.BE(B.RecLength);
-      PutContent(rb, r);
-      int64_t pos = 2 * int64_t(B.RecOffset);
-      shp.MayFlush(pos);
-      shp.Write(pos, rb.b.Data(), rb.b.Size());
-    }
-    B.ShpHeader.FileLength = int32_t(int64_t(B.RecOffset) + B.RecLength + 4);
-    EncodeHeader(B.ShpHeader, hdr);
-    shp.Write(0, hdr, sizeof hdr);
-    shp.Flush();
-    // A deleted last record has only its type word written; the rest of its slot is left
-    // unwritten, and reads as zeros up to the length the header states, as it does for a
-    // deleted record anywhere else in the file.
-    int64_t stated = 2 * int64_t(B.ShpHeader.FileLength);
-    if (number > 0 && stated > shp.End() && stated - shp.End() <= 2 * int64_t(B.RecLength) + 8)
-      if (::ftruncate(files.shpFd, off_t(stated)) != 0) throw WriteFail{};
-    PWriteAll(files.shxFd, shx.data(), shxEnd, 0);
-  } catch (const WriteFail&) {
-    s.ShpErr = 1;
+    WriteRecords(s, lyr, clean, files, shpFd, shxFd, shpPath, out);
+  } catch (const WriteFail& f) {
+    if (!f.why.empty()) files.Fail(f.why);
+    return false;
   } catch (const std::bad_alloc&) {
-    s.ShpErr = 1;
+    files.Fail("out of memory");
+    return false;
   }
-  if (!s.ShpErr) {
-    B.ShpChanged = 0;
-    if (!clean) s.host->LayerItemChanged(lyr);
-    L.SelCount = B.RecCount;
-  }
-  B.ShpOpen = B.ShxOpen = 0; // the descriptors close with `files`
-  CloseShp(s, lyr);
   // The index was sized for the old record count: a clean save leaves none.
-  if (clean) KillFile(shxPath);
+  if (clean) out.ShxPath = shxPath;
+  return true;
+}
+
+void ApplyShpSaved(Session& s, int lyr, const ShpSaved& saved) {
+  LyrRec& L = s.Lyr[lyr];
+  ShpBlock& B = L.Shp;
+  B.ShpHeader = saved.ShpHeader;
+  B.ShxHeader = saved.ShxHeader;
+  B.RecOffset = saved.RecOffset;
+  B.RecLength = B.RecHdrLength = saved.RecLength;
+  B.RecHdrNumber = saved.RecHdrNumber;
+  B.ShpChanged = 0;
+  if (saved.Clean) {
+    L.SelBits = saved.SelBits;
+    KillFile(saved.ShxPath);
+  } else {
+    s.host->LayerItemChanged(lyr);
+  }
+  L.SelCount = B.RecCount;
+}
+
+namespace {
+
+void SaveAlone(Session& s, int lyr, const std::string& path, bool clean) {
+  s.ShpErr = 0;
+  SafeFileSet files;
+  ShpSaved saved;
+  if (WriteShpFiles(s, lyr, path, clean, files, saved) && files.Commit())
+    ApplyShpSaved(s, lyr, saved);
+  else
+    s.ShpErr = 1;
+}
+
+// Removes the file of every case that stands for `path` with extension `ext`.
+void KillCompanions(const std::string& path, const std::string& ext) {
+  for (int i = 0; i < 8; ++i) {
+    std::string p = CompanionPath(path, ext);
+    if (!FileExists(p)) return;
+    KillFile(p);
+  }
 }
 
 } // namespace
 
 void SaveShp(Session& s, int lyr, const std::string& path) {
-  WriteLayer(s, lyr, path, false);
+  SaveAlone(s, lyr, path, false);
 }
 
 void SaveShpClean(Session& s, int lyr, const std::string& path) {
-  WriteLayer(s, lyr, path, true);
+  SaveAlone(s, lyr, path, true);
 }
 
 void NewShp(Session& s, int lyr, const std::string& path, int shapeType) {
   s.ShpErr = 0;
   CloseShp(s, lyr);
-  KillFile(ReplaceExt(path, "dbf"));
-  KillFile(ReplaceExt(path, "shx"));
+  for (const char* ext : {"dbf", "shx", "shp"}) KillCompanions(path, ext);
   std::string shpPath = ReplaceExt(path, "shp");
   ShpBlock& B = s.Lyr[lyr].Shp;
   SizeRecs(s, lyr, 0);
@@ -401,15 +364,21 @@ void NewShp(Session& s, int lyr, const std::string& path, int shapeType) {
   B.ShpHeader.Version = 1000;
   B.ShpHeader.ShapeType = shapeType;
   B.RecCount = 0;
+  B.ZWithoutM = 0;
   uint8_t hdr[kHeaderBytes];
   EncodeHeader(B.ShpHeader, hdr);
+  int fd = ::open(NativePath(shpPath).c_str(), O_CREAT | O_TRUNC | O_RDWR | O_CLOEXEC, 0644);
+  if (fd < 0) {
+    s.ShpErr = 1;
+    return;
+  }
+  B.ShpFile = fd;
+  B.ShpOpen = -1;
   try {
-    int fd = OpenForWrite(shpPath);
-    B.ShpFile = fd;
-    B.ShpOpen = -1;
-    PWriteAll(fd, hdr, sizeof hdr, 0);
+    PWriteAll(fd, hdr, sizeof hdr, 0, shpPath);
   } catch (const WriteFail&) {
     CloseShp(s, lyr);
+    KillFile(shpPath);
     s.ShpErr = 1;
   }
 }

@@ -344,7 +344,11 @@ void MainWindow::FillLayerMenu(QMenu* m) {
   list_->addAction(make->menuAction());
   sep();
   add("Save", "mnuSaveLayer", [this] {
-    for (int n : Selected()) SaveLyrAll(s_, n);
+    for (int n : Selected()) {
+      SaveLyrAll(s_, n);
+      // A layer on files that can't be written may still go elsewhere.
+      if (AskSaveAsInstead(s_, n)) SaveLayerAs(n);
+    }
   });
   add("Save As...", "mnuSaveLayerAs", [this] { SaveLayerAs(); });
   sep();
@@ -483,8 +487,8 @@ void MainWindow::MakeNewLayer(const std::string& kind) {
   MakeNewLyr(s_, p, ShapeTypeOfKind(kind), kind, true);
 }
 
-void MainWindow::SaveLayerAs() {
-  int n = s_.ActiveLyr;
+void MainWindow::SaveLayerAs(int n) {
+  if (n == 0) n = s_.ActiveLyr;
   if (n < 1 || n > s_.LyrCount) return;
   QString path = QFileDialog::getSaveFileName(this, "Save Layer As", ToQ(s_.Lyr[n].Fsource),
                                               QtFilter(kLyrFilesFilter));

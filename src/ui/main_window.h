@@ -51,7 +51,8 @@ private:
   void AddLayers();
   void MakeNewLayer(const std::string& kind);
   void SaveLayers();
-  void SaveLayerAs();
+  // Save As of layer `n` (the active layer when 0).
+  void SaveLayerAs(int n = 0);
   void SetDataSource();
   void ShowProps();
   void MoveUp();

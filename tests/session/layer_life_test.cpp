@@ -218,14 +218,22 @@ TEST(LayerLife, ConfirmationsAskWithTheirTextsAndAct) {
             " Close Project Message Box |  Would you like to save the changes to /p/x.qmt ?   ");
   f.host.answers = {MsgAnswer::Yes};
   EXPECT_FALSE(ConfirmCloseProject(f.s));
+  // A project saved while a layer's changes were not: the session stays.
   f.host.answers = {MsgAnswer::Yes};
-  EXPECT_TRUE(ConfirmCloseProject(f.s, [](Session&) { return true; }));
+  EXPECT_FALSE(ConfirmCloseProject(f.s, [](Session&) { return true; }));
+  f.host.answers = {MsgAnswer::Yes};
+  EXPECT_TRUE(ConfirmCloseProject(f.s, [](Session& s) {
+    SaveLyr(s, 1);
+    return true;
+  }));
+  EXPECT_NE(Dump(p).find("Shape:1 (NullShape)"), std::string::npos);
 
   // Yes saves the layer and goes on.
+  DeleteRec(f.s, 1, 1, true);
   f.host.answers = {MsgAnswer::Yes};
   EXPECT_TRUE(ConfirmRemoveLyr(f.s, 1));
   EXPECT_EQ(f.s.Lyr[1].Shp.ShpChanged, 0);
-  EXPECT_NE(Dump(p).find("Shape:1 (NullShape)"), std::string::npos);
+  EXPECT_NE(Dump(p).find("Shape:0 (NullShape)"), std::string::npos);
 }
 
 TEST(LayerLife, ReloadDiscardsChangesAndDataSourcePointsElsewhere) {

@@ -14,16 +14,7 @@ struct Case {
   const char* shpt;
   std::vector<std::string> wkts;
   int type;
-  bool sameBytes; // false: a Z file without measures, whose M block the store adds
 };
-
-// A Z file without measures dumps its vertices as (x,y, z); the same file with the M block
-// the store writes dumps them as (x,y, z, 0).
-std::string WithoutZeroMeasures(std::string d) {
-  size_t p = 0;
-  while ((p = d.find(", 0)", p)) != std::string::npos) d.replace(p, 4, ")"), ++p;
-  return d;
-}
 
 // The geometry lines of an ogrinfo listing.
 std::string Geoms(const std::string& t) {
@@ -41,47 +32,41 @@ std::string Geoms(const std::string& t) {
 
 std::vector<Case> Cases() {
   return {
-      {"POINT", {"POINT (1 2)", "POINT (-3.25 4.5)", "POINT (1e7 -2e-7)"}, 1, true},
-      {"POINTZM", {"POINT ZM (1 2 3 4)", "POINT ZM (5 6 7 8)"}, 11, true},
-      {"POINTM", {"POINT M (1 2 9)", "POINT M (3 4 10)"}, 21, true},
+      {"POINT", {"POINT (1 2)", "POINT (-3.25 4.5)", "POINT (1e7 -2e-7)"}, 1},
+      {"POINTZM", {"POINT ZM (1 2 3 4)", "POINT ZM (5 6 7 8)"}, 11},
+      {"POINTM", {"POINT M (1 2 9)", "POINT M (3 4 10)"}, 21},
       {"ARC",
        {"LINESTRING (0 0,1 1,2 0)", "MULTILINESTRING ((0 0,1 0),(5 5,6 6,7 5))",
         "LINESTRING (10 10,11 12)"},
-       3,
-       true},
+       3},
       {"ARCZM",
        {"LINESTRING ZM (0 0 1 10,1 1 2 11,2 0 3 12)",
         "MULTILINESTRING ZM ((0 0 0 0,1 0 1 1),(5 5 5 5,6 6 6 6))"},
-       13,
-       true},
+       13},
       {"ARCM",
        {"LINESTRING M (0 0 1,1 1 2)", "MULTILINESTRING M ((0 0 5,1 0 6),(2 2 7,3 3 8))"},
-       23,
-       true},
+       23},
       {"POLYGON",
        {"MULTIPOLYGON (((0 0,10 0,10 10,0 10,0 0),(2 2,2 4,4 4,4 2,2 2)),((20 20,30 20,30 30,20 "
         "20)))",
         "POLYGON ((5 5,6 5,6 6,5 5))"},
-       5,
-       true},
+       5},
       {"POLYGONZM",
        {"POLYGON ZM ((0 0 1 2,10 0 1 2,10 10 1 2,0 0 1 2))",
         "POLYGON ZM ((0 0 5 1,1 0 6 2,1 1 7 3,0 0 5 1),(0.2 0.2 1 1,0.4 0.4 1 1,0.4 0.2 1 1,0.2 "
         "0.2 1 1))"},
-       15,
-       true},
-      {"POLYGONM", {"POLYGON M ((0 0 1,10 0 2,10 10 3,0 0 1))"}, 25, true},
-      {"MULTIPOINT", {"MULTIPOINT ((0 0),(1 1),(2 3))", "MULTIPOINT ((5 5))"}, 8, true},
-      {"MULTIPOINTZM", {"MULTIPOINT ZM ((0 0 1 2),(1 1 3 4))"}, 18, true},
-      {"MULTIPOINTM", {"MULTIPOINT M ((0 0 1),(1 1 3))"}, 28, true},
+       15},
+      {"POLYGONM", {"POLYGON M ((0 0 1,10 0 2,10 10 3,0 0 1))"}, 25},
+      {"MULTIPOINT", {"MULTIPOINT ((0 0),(1 1),(2 3))", "MULTIPOINT ((5 5))"}, 8},
+      {"MULTIPOINTZM", {"MULTIPOINT ZM ((0 0 1 2),(1 1 3 4))"}, 18},
+      {"MULTIPOINTM", {"MULTIPOINT M ((0 0 1),(1 1 3))"}, 28},
       {"MULTIPATCH",
        {"POLYHEDRALSURFACE Z (((0 0 0,0 1 0,1 1 0,0 0 0)),((0 0 1,1 0 1,1 1 1,0 0 1)))",
         "TIN Z (((0 0 0,1 0 0,0 1 1,0 0 0)))"},
-       31,
-       false},
-      // Z without measures: GDAL leaves the M block out, the store writes it as zeros.
-      {"ARCZ", {"LINESTRING Z (0 0 1,1 1 2)", "LINESTRING Z (4 4 4,5 5 5)"}, 13, false},
-      {"POINTZ", {"POINT Z (1 2 3)", "POINT Z (4 5 6)"}, 11, false},
+       31},
+      // Z without measures: GDAL leaves the M block out, and so does the store.
+      {"ARCZ", {"LINESTRING Z (0 0 1,1 1 2)", "LINESTRING Z (4 4 4,5 5 5)"}, 13},
+      {"POINTZ", {"POINT Z (1 2 3)", "POINT Z (4 5 6)"}, 11},
   };
 }
 
@@ -106,19 +91,13 @@ TEST(ShpRoundTrip, EveryTypeFromGdalReadsAndWritesAsShapelibSeesIt) {
     ASSERT_EQ(s.ShpErr, 0);
     std::string a = ShpDump(src), b = ShpDump(out);
     EXPECT_EQ(a.find("rror"), std::string::npos) << a;
-    if (c.sameBytes) {
-      EXPECT_EQ(a, b);
-      EXPECT_TRUE(ReadFile(src) == ReadFile(out)) << "shp bytes differ";
-      EXPECT_TRUE(ReadFile(ChangeExt(src, "shx")) == ReadFile(ChangeExt(out, "shx")))
-          << "shx bytes differ";
-    } else {
-      EXPECT_EQ(a, WithoutZeroMeasures(b));
-    }
+    EXPECT_EQ(a, b);
+    EXPECT_TRUE(ReadFile(src) == ReadFile(out)) << "shp bytes differ";
+    EXPECT_TRUE(ReadFile(ChangeExt(src, "shx")) == ReadFile(ChangeExt(out, "shx")))
+        << "shx bytes differ";
     // GDAL reads the same geometries from both.
-    if (c.sameBytes) {
-      std::string cmd = "ogrinfo -q -al -geom=ISO_WKT '";
-      EXPECT_EQ(Geoms(RunCmd(cmd + src + "'")), Geoms(RunCmd(cmd + out + "'")));
-    }
+    std::string cmd = "ogrinfo -q -al -geom=ISO_WKT '";
+    EXPECT_EQ(Geoms(RunCmd(cmd + src + "'")), Geoms(RunCmd(cmd + out + "'")));
   }
 }
 

@@ -26,7 +26,7 @@ std::vector<uint8_t> Line1(std::vector<XY> a) {
 
 } // namespace
 
-TEST(ShpWrite, SoftDeletedLastPartRunsPastItsRecordAndTheNextHeaderCoversIt) {
+TEST(ShpWrite, SoftDeletedPartsAreLeftOutOfTheirRecords) {
   std::string dir = TempDir("shp-w");
   ShpBuilder b(3);
   b.Add(Line2({{1, 1}, {2, 2}, {3, 3}}, {{7, 7}, {8, 8}}));
@@ -35,36 +35,40 @@ TEST(ShpWrite, SoftDeletedLastPartRunsPastItsRecordAndTheNextHeaderCoversIt) {
   Session s;
   OpenAsLayer(s, dir + "a.shp");
   ASSERT_EQ(s.ShpErr, 0);
+  SaveShp(s, 1, dir + "whole.shp");
   DeletePart(s, 1, 1, 1, false);
   DeletePart(s, 1, 2, 1, false);
   EXPECT_EQ(s.Lyr[1].Shp.ShpRecs[1].NumPoints, 3);
   SaveShp(s, 1, dir + "b.shp");
   ASSERT_EQ(s.ShpErr, 0);
   std::string shp = ReadFile(dir + "b.shp"), shx = ReadFile(dir + "b.shx");
-  // Record 1: live part count 1, NumPoints 3; its length counts both parts.
+  // Record 1: one part of three vertices, and its length counts just those.
   EXPECT_EQ(LE32At(shp, 100 + 8 + 36), 1);
   EXPECT_EQ(LE32At(shp, 100 + 8 + 40), 3);
   int32_t len1 = BE32At(shx, 104);
-  EXPECT_EQ(len1, 22 + 2 * 2 + 8 * 3);
-  // Record 2 starts where the length says, over the deleted part's vertices.
+  EXPECT_EQ(len1, 22 + 2 * 1 + 8 * 3);
+  EXPECT_EQ(BE32At(shp, 100 + 4), len1);
   int32_t off2 = BE32At(shx, 108);
   EXPECT_EQ(off2, 50 + len1 + 4);
   EXPECT_EQ(BE32At(shp, size_t(2 * off2)), 2);
-  // The last record's deleted vertices stand beyond the length in the header: its two
-  // points less the start word that the length counts and the writer leaves out.
-  int32_t fileWords = BE32At(shp, 24);
-  EXPECT_EQ(shp.size(), size_t(2 * fileWords) + 2 * 16 - 4);
-  EXPECT_EQ(F64At(shp, size_t(2 * fileWords) - 4), 9);
-  // Shapelib reads the live geometry.
+  // Nothing stands past the last record's length.
+  EXPECT_EQ(shp.size(), size_t(2 * BE32At(shp, 24)));
+  EXPECT_EQ(F64At(shp, shp.size() - 8), 5);
   std::string dump = ShpDump(dir + "b.shp");
+  EXPECT_EQ(dump.find("rror"), std::string::npos) << dump;
   EXPECT_NE(dump.find("nVertices=3, nParts=1"), std::string::npos) << dump;
   EXPECT_NE(dump.find("nVertices=2, nParts=1"), std::string::npos) << dump;
-  // Reopened, the records hold only the live parts.
+  // The deleted parts stay in memory: undeleted, they are saved again.
   Session t;
   OpenAsLayer(t, dir + "b.shp");
   ASSERT_EQ(t.ShpErr, 0);
   EXPECT_EQ(t.Lyr[1].Shp.ShpRecs[2].NumParts, 1);
   EXPECT_EQ(t.Lyr[1].Shp.ShpRecs[2].Part(0).PartPoints()[1].X, 5);
+  UndeletePart(s, 1, 1, 1, false);
+  UndeletePart(s, 1, 2, 1, false);
+  SaveShp(s, 1, dir + "c.shp");
+  EXPECT_EQ(ReadFile(dir + "c.shx"), ReadFile(dir + "whole.shx"));
+  EXPECT_NE(ShpDump(dir + "c.shp").find("nVertices=5, nParts=2"), std::string::npos);
 }
 
 TEST(ShpWrite, DeletedFirstPartGivesTheNextLivePartStartZero) {
@@ -83,8 +87,8 @@ TEST(ShpWrite, DeletedFirstPartGivesTheNextLivePartStartZero) {
   std::string shp = ReadFile(dir + "b.shp");
   EXPECT_EQ(LE32At(shp, 100 + 8 + 36), 1); // one live part
   EXPECT_EQ(LE32At(shp, 100 + 8 + 44), 0); // its start
-  // Every part's vertices are written in array order, the deleted one first.
-  EXPECT_EQ(F64At(shp, 100 + 8 + 48), 1);
+  EXPECT_EQ(F64At(shp, 100 + 8 + 48), 7);  // its vertices, and only they
+  EXPECT_EQ(shp.size(), 100u + 8 + 48 + 3 * 16);
 }
 
 TEST(ShpWrite, DeletedRecordKeepsItsNumberAndItsPredecessorsLength) {
