@@ -67,7 +67,7 @@ SafeFileSet::Entry* SafeFileSet::Find(int fd) {
 int SafeFileSet::Open(const std::string& target) {
   std::string native = NativePath(target);
   std::string dir = DirOf(native);
-  struct stat st{};
+  struct stat st {};
   bool exists = ::stat(native.c_str(), &st) == 0;
   if (exists && ::access(native.c_str(), W_OK) != 0) {
     Fail(target + ": read-only");

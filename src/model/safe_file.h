@@ -11,7 +11,7 @@ namespace velmora {
 // flushed. Until Commit succeeds the old files are untouched; a set that is destroyed
 // without a successful Commit removes its temporaries.
 class SafeFileSet {
- public:
+public:
   SafeFileSet() = default;
   SafeFileSet(const SafeFileSet&) = delete;
   SafeFileSet& operator=(const SafeFileSet&) = delete;
@@ -39,7 +39,7 @@ class SafeFileSet {
   // refuses and the reason is kept.
   void Fail(std::string why);
 
- private:
+private:
   struct Entry {
     std::string target, temp;
     int fd = -1;

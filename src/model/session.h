@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "model/datum_types.h"
+#include "model/edit_types.h"
 #include "model/held_lyrs.h"
 #include "model/lyr_table.h"
 #include "model/map_view.h"
@@ -47,6 +48,8 @@ struct Session {
   std::vector<UndoEntry> UndoList;
   int32_t UndoPos = 0, UndoCount = 0;
   bool UndoOn = false, RedoOn = false; // the undo and redo buttons and menu items
+
+  EditVars Edit; // the map editor: hit slots, drag, drawing, movement settings
 
   std::vector<ViewHistEntry> ViewHist;
   int32_t ViewPos = 0, ViewCount = 0;

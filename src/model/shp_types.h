@@ -148,6 +148,7 @@ struct ShpBlock {
   int16_t ShpChanged = 0;
   int16_t ExtentStale = 0;        // set by movement code: the extent must be recomputed
   int16_t ZWithoutM = 0;          // a Z layer read without the optional M block: written without it
+  uint32_t BoxGen = 0;            // counts changes of records and their boxes (pick index)
   std::vector<ShpRecord> ShpRecs; // slot 0 is the frame record; capacity = ShpRecs.size() - 1
   std::shared_ptr<ShpArena> Arena; // storage borrowed by the records read from the files
 

@@ -23,6 +23,7 @@ void MapInit(Session& s) {
   s.View.PixPerMeter = screen.PixPerMeter;
   s.View.TwipsPerPixelX = screen.TwipsPerPixelX, s.View.TwipsPerPixelY = screen.TwipsPerPixelY;
   s.View.MapToolKeep = 2;
+  s.Edit = EditVars{};
   s.ViewHist.clear();
   s.ViewPos = 0, s.ViewCount = 0;
 

@@ -44,6 +44,7 @@ double ChainLength(const ShpPart& p, int t) {
 void RecalcRecBox(Session& s, int lyr, int rec) {
   ShpBlock& B = s.Lyr[lyr].Shp;
   if (rec < 0 || rec > B.RecCount || size_t(rec) >= B.ShpRecs.size()) return;
+  ++B.BoxGen;
   ShpRecord& r = B.ShpRecs[size_t(rec)];
   int t = r.ShapeType;
   if (t < 1 || t > 100) return;
@@ -88,6 +89,7 @@ void RecalcExtent(Session& s, int lyr) {
   ShpBlock& B = L.Shp;
   B.ShpChanged = -1;
   B.ExtentStale = 0;
+  ++B.BoxGen;
   if (lyr >= 1 && lyr <= s.LyrCount) s.host->LayerItemChanged(lyr);
   if (B.ShpType == 99) {
     // A raster's frame: its extent is set from the image, the record follows it.

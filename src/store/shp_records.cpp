@@ -38,6 +38,7 @@ void FitBitSets(LyrRec& L) {
 
 void Touched(Session& s, int lyr) {
   s.Lyr[lyr].Shp.ShpChanged = -1;
+  ++s.Lyr[lyr].Shp.BoxGen;
 }
 
 } // namespace

@@ -21,6 +21,7 @@
 #include <QToolBar>
 #include <algorithm>
 
+#include "edit/editor.h"
 #include "frame/busy.h"
 #include "model/file_util.h"
 #include "platform/qt/qt_screen.h"
@@ -37,6 +38,7 @@
 #include "ui/layer_list_widget.h"
 #include "ui/layer_props_dialog.h"
 #include "ui/map_widget.h"
+#include "ui/move_dialogs.h"
 #include "ui/tool_icons.h"
 #include "view/map_toolbar.h"
 #include "view/map_tools.h"
@@ -126,6 +128,17 @@ MainWindow::MainWindow(Session& s, QtHost& host, QWidget* parent)
   // Queued: a recorded view enters the history only after it has been shown.
   connect(map_, &MapWidget::ViewChanged, this, &MainWindow::SyncUi, Qt::QueuedConnection);
   connect(map_, &MapWidget::StatusTextChanged, statusText_, &QLabel::setText);
+  connect(map_, &MapWidget::Edited, this, [this] {
+    if (auto* r = qobject_cast<RotateAngleDialog*>(rotate_.data())) r->Fill();
+    SyncUi();
+  });
+  connect(map_, &MapWidget::DialogRequested, this, &MainWindow::OpenMoveDialog);
+  connect(map_, &MapWidget::ViewCommandRequested, this, [this](const QString& name) {
+    if (name == "mnuFullExtent" && s_.LyrCount > 0) MapFull(s_);
+    if (name == "mnuZoomPrevious") ZoomPrevious(s_);
+    if (name == "mnuZoomNext") ZoomNext(s_);
+    SyncUi();
+  });
   connect(list_, &LayerListWidget::FilesDropped, this, &MainWindow::OpenPaths);
   connect(list_, &QListWidget::itemSelectionChanged, this, &MainWindow::SyncUi);
 
@@ -144,7 +157,8 @@ QAction* MainWindow::ToolAction(const QString& text, const QString& name, int to
   a->setData(tool);
   tools_->addAction(a);
   connect(a, &QAction::triggered, this, [this, tool] {
-    ChooseMapTool(s_, tool);
+    ChooseEditTool(s_, tool); // a drawing in hand is finished first
+    map_->ClearOverlay();
     map_->UpdateCursor();
     SyncUi();
   });
@@ -166,6 +180,12 @@ void MainWindow::BuildToolbar() {
   zoomOut->setIcon(MakeToolIcon(ToolIcon::ZoomOut));
   QAction* pan = ToolAction("Pan", "Pan", kToolPan);
   pan->setIcon(MakeToolIcon(ToolIcon::Pan));
+  QAction* measure = ToolAction("Measure", "Measure", kToolMeasure);
+  measure->setIcon(MakeToolIcon(ToolIcon::Measure));
+  QAction* editFeature = ToolAction("Edit Feature", "EditFeature", kToolEditFeature);
+  editFeature->setIcon(MakeToolIcon(ToolIcon::EditFeature));
+  QAction* createFeature = ToolAction("Create Feature", "CreateFeature", kToolCreateFeature);
+  createFeature->setIcon(MakeToolIcon(ToolIcon::CreateFeature));
   actPrev_ = new QAction("Zoom Previous", this);
   actPrev_->setObjectName("ZoomPrevious");
   actPrev_->setIcon(MakeToolIcon(ToolIcon::ZoomPrevious));
@@ -213,6 +233,10 @@ void MainWindow::BuildToolbar() {
   tb->addAction(zoomIn);
   tb->addAction(zoomOut);
   tb->addAction(pan);
+  tb->addAction(measure);
+  tb->addSeparator();
+  tb->addAction(editFeature);
+  tb->addAction(createFeature);
   tb->addSeparator();
   tb->addAction(actPrev_);
   tb->addAction(actNext_);
@@ -367,6 +391,35 @@ std::vector<int> MainWindow::Selected() const {
   if (rows.empty() && s_.ActiveLyr >= 1 && s_.ActiveLyr <= s_.LyrCount)
     rows.push_back(s_.ActiveLyr);
   return rows;
+}
+
+void MainWindow::OpenMoveDialog(const QString& name) {
+  QPointer<QWidget>& slot = name == "frmMoveSettings"  ? settings_
+                            : name == "frmRotateAngle" ? rotate_
+                                                       : move_;
+  if (slot) slot->close();
+  QDialog* d = nullptr;
+  auto moved = [this] {
+    map_->ClearOverlay();
+    SyncUi();
+  };
+  if (name == "frmMoveSettings") {
+    d = new MoveSettingsDialog(s_, this);
+  } else if (name == "frmRotateAngle") {
+    auto* r = new RotateAngleDialog(s_, this);
+    connect(r, &RotateAngleDialog::Moved, this, moved);
+    connect(r, &RotateAngleDialog::SettingsRequested, this,
+            [this] { OpenMoveDialog("frmMoveSettings"); });
+    d = r;
+  } else {
+    auto* m = new MoveDialog(s_, name == "MoveToXY", this);
+    connect(m, &MoveDialog::Moved, this, moved);
+    connect(m, &MoveDialog::SettingsRequested, this, [this] { OpenMoveDialog("frmMoveSettings"); });
+    d = m;
+  }
+  d->setAttribute(Qt::WA_DeleteOnClose);
+  slot = d;
+  d->show();
 }
 
 void MainWindow::SyncUi() {

@@ -34,6 +34,8 @@ public:
   // the window closes by its own way out, which asks before unsaved edits are dropped.
   // True when the program is to end now.
   bool RunStartLine(const std::vector<std::string>& args);
+  // frmMove ("MoveDistance", "MoveToXY"), frmRotateAngle or frmMoveSettings.
+  void OpenMoveDialog(const QString& name);
 
   MapWidget* Map() const { return map_; }
   LayerListWidget* LayerList() const { return list_; }
@@ -83,6 +85,7 @@ private:
   QMenu* scaleMenu_ = nullptr;
   QList<QAction*> lyrActions_; // need a layer
   QPointer<QWidget> props_, coords_, convert_;
+  QPointer<QWidget> move_, rotate_, settings_; // frmMove, frmRotateAngle, frmMoveSettings
 };
 
 } // namespace velmora

@@ -1,7 +1,14 @@
 #pragma once
 #include <QImage>
+#include <QLineF>
+#include <QMenu>
+#include <QPointer>
 #include <QWidget>
 #include <memory>
+#include <utility>
+#include <vector>
+
+#include "edit/editor.h"
 
 #include "model/session.h"
 #include "platform/qt/qt_canvas.h"
@@ -10,8 +17,9 @@ namespace velmora {
 
 // EditPic: the visible map surface. The map is drawn into MapBuf, an image of the view
 // size (ViewW by ViewH, fixed from the screen), and shown here in one step; rubber bands
-// are drawn over it on this surface only.
-class MapWidget : public QWidget {
+// and the features under edit are drawn over it on this surface only, so a drag never
+// redraws the map. The mouse of the editing tools goes to the editor (edit/editor.h).
+class MapWidget : public QWidget, public EditSurface {
   Q_OBJECT
 public:
   MapWidget(Session& s, QWidget* parent = nullptr);
@@ -26,10 +34,27 @@ public:
   void SetImages(const QtImageIO* images) { images_ = images; }
   // The cursor of the present tool.
   void UpdateCursor();
+  // The popup shown last, while it is open (for the tests).
+  QMenu* Popup() const { return popup_; }
+
+  // EditSurface.
+  void ClearOverlay() override;
+  void OverlayRect(int x1, int y1, int x2, int y2) override;
+  void OverlaySegment(double x1, double y1, double x2, double y2) override;
+  void OverlayFeature(int lyr, int rec) override;
+  void SetToolCursor(int tool) override;
+  void ShowPopup(const PopupMenu& menu) override;
+  void OpenDialog(const std::string& name) override;
+  void ViewCommand(const std::string& name) override;
 
 signals:
   void StatusTextChanged(const QString& text);
   void ViewChanged();
+  // A movement dialog ("MoveDistance", "MoveToXY", "frmRotateAngle", "frmMoveSettings").
+  void DialogRequested(const QString& name);
+  // mnuFullExtent, mnuZoomPrevious, mnuZoomNext of the popups; an edit changed the session.
+  void ViewCommandRequested(const QString& name);
+  void Edited();
 
 protected:
   void paintEvent(QPaintEvent* e) override;
@@ -38,6 +63,7 @@ protected:
   void mouseReleaseEvent(QMouseEvent* e) override;
   void wheelEvent(QWheelEvent* e) override;
   void keyPressEvent(QKeyEvent* e) override;
+  void mouseDoubleClickEvent(QMouseEvent* e) override;
 
 private:
   Session& s_;
@@ -47,6 +73,12 @@ private:
   QPoint from_, to_;
   int panReturnTool_ = 0;
   const QtImageIO* images_ = nullptr;
+  // The overlay: rectangles in pixels, segments in world units, features in the edit pen.
+  std::vector<QRect> overRects_;
+  std::vector<QLineF> overSegs_;
+  std::vector<std::pair<int, int>> overFeats_;
+  QImage overImg_;
+  QPointer<QMenu> popup_;
 };
 
 } // namespace velmora

@@ -51,6 +51,29 @@ QIcon MakeToolIcon(ToolIcon kind) {
   case ToolIcon::ZoomIn:
     Magnifier(p, true);
     break;
+  case ToolIcon::Measure: // a ruler
+    p.setPen(QPen(QColor(40, 40, 40), 1.2));
+    p.setBrush(QColor(240, 210, 110));
+    p.drawRect(QRectF(2, 8, 20, 8));
+    for (int i = 0; i < 5; ++i)
+      p.drawLine(QPointF(5 + i * 4, 8), QPointF(5 + i * 4, i % 2 ? 11 : 13));
+    break;
+  case ToolIcon::EditFeature: // a polygon with its vertices
+  case ToolIcon::CreateFeature: {
+    QPolygonF g;
+    g << QPointF(4, 18) << QPointF(7, 5) << QPointF(19, 7) << QPointF(20, 19);
+    p.setPen(QPen(QColor(30, 80, 140), 1.5));
+    p.setBrush(kind == ToolIcon::EditFeature ? QColor(160, 200, 240) : QColor(Qt::transparent));
+    p.drawPolygon(g);
+    p.setBrush(QColor(200, 40, 40));
+    for (const QPointF& v : g) p.drawRect(QRectF(v.x() - 2, v.y() - 2, 4, 4));
+    if (kind == ToolIcon::CreateFeature) {
+      p.setPen(QPen(QColor(20, 130, 20), 2.2));
+      p.drawLine(QPointF(12, 9), QPointF(12, 17));
+      p.drawLine(QPointF(8, 13), QPointF(16, 13));
+    }
+    break;
+  }
   case ToolIcon::ZoomOut:
     Magnifier(p, false);
     break;

@@ -4,7 +4,18 @@
 namespace velmora {
 
 // The toolbar's pictures, drawn here so that the program needs no icon theme.
-enum class ToolIcon { FullExtent, ZoomIn, ZoomOut, Pan, ZoomPrevious, ZoomNext, Terminate };
+enum class ToolIcon {
+  FullExtent,
+  ZoomIn,
+  ZoomOut,
+  Pan,
+  ZoomPrevious,
+  ZoomNext,
+  Terminate,
+  Measure,
+  EditFeature,
+  CreateFeature
+};
 QIcon MakeToolIcon(ToolIcon kind);
 
 } // namespace velmora

@@ -261,27 +261,3 @@ TEST_F(CmdLayers, ANumberValCannotHoldIsTheRunTimeErrorAndNeverReachesTheFile) {
   EXPECT_EQ(info.find("inf"), std::string::npos) << info;
   EXPECT_NE(info.find("(0 0,0 0,1 0,2 0)"), std::string::npos) << info;
 }
-
-TEST_F(CmdLayers, EditorCommandsSayTheyAreNotAvailableYet) {
-  const std::string q = " '" + path + "' ";
-  const std::pair<const char*, const char*> lines[] = {
-      {"MoveLen Vertex", "1 0 0 0 1 1 0 0"},    {"MoveTo Vertex", "1 0 0 5 5 0 0"},
-      {"Rotate Vertex", "1 0 0 0 0 90 0 0"},    {"Scale Vertex", "1 0 0 0 0 2 2 0 0"},
-      {"Combine Feature", "1 0 0 0 1 2 0 0 0"}, {"UnCombine Feature", "1 2"},
-      {"Divide Feature", "1 0 1 0 3"},          {"UnDivide Feature", "1 3"},
-  };
-  for (const auto& [words, numbers] : lines) {
-    host.logged.clear();
-    Exec(s, words + q + numbers);
-    ASSERT_EQ(host.logged.size(), 1u) << words;
-    EXPECT_EQ(host.logged[0],
-              std::string(" *** ") + words + " lines.shp is not available yet *** ");
-  }
-  EXPECT_FALSE(s.Lyr[1].Shp.ShpChanged);
-  // In a .lst the refusal stands in the log before the end of the run.
-  host.logged.clear();
-  test::WriteFile(dir + "div.lst", "Divide Feature" + q + "1 0 1 0 3\n");
-  RunLstFile(s, dir + "div.lst");
-  ASSERT_EQ(host.logged.size(), 3u);
-  EXPECT_EQ(host.logged[1], " *** Divide Feature lines.shp is not available yet *** ");
-}

@@ -8,12 +8,12 @@
 #include <cstdlib>
 
 #include "cmd_test_util.h"
+#include "edit/journal_lines.h"
 #include "model/c_numbers.h"
 #include "model/datum_table.h"
 #include "model/num_format.h"
 #include "session/cmd_parse.h"
 #include "session/commands.h"
-#include "session/journal_lines.h"
 #include "session/project.h"
 #include "session/user_locale.h"
 #include "test_support.h"

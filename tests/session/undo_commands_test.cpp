@@ -2,9 +2,9 @@
 // code journals them, undone and redone through the command language.
 #include <gtest/gtest.h>
 
+#include "edit/journal_lines.h"
 #include "frame/lyr_slots.h"
 #include "session/commands.h"
-#include "session/journal_lines.h"
 #include "session/layer_life.h"
 #include "session/map_init.h"
 #include "session/undo.h"

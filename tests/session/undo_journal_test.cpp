@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "cmd_test_util.h"
-#include "session/journal_lines.h"
+#include "edit/journal_lines.h"
 #include "session/map_init.h"
 #include "session/undo.h"
 #include "test_support.h"

@@ -15,3 +15,18 @@ inline QApplication& App() {
 }
 
 } // namespace velmora::test
+
+#include <QInputDevice>
+#include <QPointingDevice>
+
+namespace velmora::test {
+
+// Mouse and key events made without a platform device use default devices that Qt would
+// delete only after the application object at exit, where they fail: a test that sends
+// such events drops them at its end.
+inline void DropDefaultDevices() {
+  delete QPointingDevice::primaryPointingDevice();
+  delete QInputDevice::primaryKeyboard();
+}
+
+} // namespace velmora::test

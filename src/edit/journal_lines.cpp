@@ -1,4 +1,4 @@
-#include "session/journal_lines.h"
+#include "edit/journal_lines.h"
 
 #include "model/c_numbers.h"
 
