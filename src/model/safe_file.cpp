@@ -168,6 +168,16 @@ void SafeFileSet::Abandon() {
   entries_.clear();
 }
 
+bool SyncFile(const std::string& path) {
+  std::string native = NativePath(path);
+  int fd = ::open(native.c_str(), O_RDONLY | O_CLOEXEC);
+  if (fd < 0) return false;
+  bool ok = ::fsync(fd) == 0;
+  ::close(fd);
+  if (ok) SyncDir(DirOf(native));
+  return ok;
+}
+
 bool SafeWriteFile(const std::string& path, std::string_view bytes, std::string* why) {
   SafeFileSet set;
   int fd = set.Open(path);

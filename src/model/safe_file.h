@@ -54,6 +54,9 @@ private:
 // untouched and `why` (when given) says what went wrong.
 bool SafeWriteFile(const std::string& path, std::string_view bytes, std::string* why = nullptr);
 
+// Flushes a finished file and its folder to the disk; false when the file cannot be synced.
+bool SyncFile(const std::string& path);
+
 // The text of an errno value as the log shows it: "read-only", "disk full", ...
 std::string ErrnoText(int err);
 

@@ -7,6 +7,7 @@
 #include "frame/busy.h"
 #include "frame/log.h"
 #include "frame/lyr_slots.h"
+#include "frame/refusal_log.h"
 #include "model/companion_file.h"
 #include "model/file_util.h"
 #include "platform/image_io.h"
@@ -311,7 +312,11 @@ void ReloadLyr(Session& s, int index) {
   if (index < 1 || index > s.LyrCount || LyrBusyCanceled(s, index, "Reload Layer")) return;
   if (!ConfirmReloadLyr(s, index)) return;
   OpenLyrFile(s, index, s.Lyr[index].Fsource);
-  LogMsg(s, "Reload Layer " + s.Lyr[index].LyrName);
+  if (s.Lyr[index].LyrKind == 0)
+    LogCanceled(s, "Reload Layer " + s.Lyr[index].LyrName,
+                s.LyrErrText.empty() ? s.Lyr[index].Fsource + ": cannot be read" : s.LyrErrText);
+  else
+    LogMsg(s, "Reload Layer " + s.Lyr[index].LyrName);
   s.host->MapRedraw();
 }
 

@@ -6,6 +6,7 @@
 #include "frame/log.h"
 #include "frame/lyr_slots.h"
 #include "model/file_util.h"
+#include "model/safe_file.h"
 #include "store/dbf_store.h"
 
 namespace velmora {
@@ -82,21 +83,36 @@ bool AddFieldToLyr(Session& s, int lyr, const std::string& name, char typeLetter
       SetFieldValue(s, w, f, v);
     }
     WriteDbfRec(s, w, row);
-    if (rf.Step(row + 1, rows)) {
+    if (s.DbfErr || rf.Step(row + 1, rows)) {
+      if (s.DbfErr) {
+        rf.Finish(false);
+        LogMsg(s, " *** " + std::string(kOp) + " " + s.Lyr[rf.Layer()].LyrName +
+                      " has been canceled *** ");
+      }
       DropWorkTable(s, w, tmp, tmpDbf);
       return false;
     }
   }
   SetDbfRecCount(s, w, rows);
+  const bool written = s.DbfErr == 0;
   CloseDbf(s, w);
   ClearLyr(s, w);
   lyr = rf.Layer();
+  // The new table reaches the disk before it takes the old one's name.
+  if (!written || !SyncFile(tmpDbf)) {
+    KillFile(tmpDbf);
+    KillFile(tmp);
+    rf.Finish(false);
+    LogMsg(s, " *** " + std::string(kOp) + " " + s.Lyr[lyr].LyrName + " has been canceled *** ");
+    return false;
+  }
 
   // The rebuilt table holds the unsaved rows of the swap file too, so the swap goes. The
   // rename replaces the old file in one step; should it fail, the new table stays beside it.
   const std::string dbfPath = ReplaceExt(source, "dbf");
   CloseDbf(s, lyr);
   bool moved = std::rename(NativePath(tmpDbf).c_str(), NativePath(dbfPath).c_str()) == 0;
+  if (!moved) KillFile(tmpDbf);
   KillFile(tmp);
   OpenDbf(s, lyr, source);
   if (!moved || s.DbfErr) {

@@ -1,3 +1,4 @@
+#include <filesystem>
 // The life of a layer: add, make, save, save as, reload, remove, with their messages.
 #include <gtest/gtest.h>
 
@@ -283,4 +284,18 @@ TEST(LayerLife, RemoveShiftsRowsAndClearsWhatPointedAtTheLayer) {
   CloseAllLyrs(f.s);
   EXPECT_EQ(f.s.LyrCount, 0);
   EXPECT_TRUE(ConfirmCloseProject(f.s));
+}
+
+TEST(LayerLife, AReloadOfAFileThatIsGoneSaysSo) {
+  Fixture f;
+  std::string p = Ogr(f.dir, "gone", "POINT", {"POINT (1 1)"});
+  AddShape(f.s, p, false);
+  ASSERT_EQ(f.s.LyrCount, 1);
+  std::filesystem::remove(p);
+  ReloadLyr(f.s, 1);
+  EXPECT_NE(f.LastLog().find("*** "), std::string::npos) << f.LastLog();
+  bool canceled = false;
+  for (const std::string& line : f.host.logged)
+    canceled = canceled || line == " *** Reload Layer gone.shp has been canceled *** ";
+  EXPECT_TRUE(canceled);
 }
