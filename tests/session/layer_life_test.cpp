@@ -1,7 +1,7 @@
-#include <filesystem>
 // The life of a layer: add, make, save, save as, reload, remove, with their messages.
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <fstream>
 
 #include "frame/busy.h"
