@@ -21,20 +21,6 @@ using namespace velmora::test;
 
 namespace {
 
-void Put16(std::string& b, size_t at, int v) {
-  b[at] = char(v & 0xFF);
-  b[at + 1] = char((v >> 8) & 0xFF);
-}
-void Put32(std::string& b, size_t at, uint32_t v) {
-  for (int k = 0; k < 4; ++k) b[at + size_t(k)] = char((v >> (8 * k)) & 0xFF);
-}
-
-int64_t MtimeNs(const std::string& path) {
-  struct stat st {};
-  ::stat(path.c_str(), &st);
-  return int64_t(st.st_mtim.tv_sec) * 1000000000 + st.st_mtim.tv_nsec;
-}
-
 struct Fixture {
   RecordingHost host;
   Session s{host};

@@ -11,14 +11,6 @@ using namespace velmora::test;
 
 namespace {
 
-void Put16(std::string& b, size_t at, int v) {
-  b[at] = char(v & 0xFF);
-  b[at + 1] = char((v >> 8) & 0xFF);
-}
-void Put32(std::string& b, size_t at, uint32_t v) {
-  for (int k = 0; k < 4; ++k) b[at + size_t(k)] = char((v >> (8 * k)) & 0xFF);
-}
-
 // A good table of 3 rows and fields A C 4, B N 6.2, made by GDAL.
 std::string GoodTable(const std::string& dir) {
   MakeGdalTable(dir, "g", {"A", "B"}, {"String(4)", "Real(6.2)"},
@@ -35,12 +27,6 @@ std::string Padded(const std::string& good, int pad, int extra) {
   Put16(b, 10, l.RecLen + extra);
   for (int r = 0; r < l.RecCount; ++r) b += RowBytes(good, r) + std::string(size_t(extra), ' ');
   return b + "\x1a";
-}
-
-int64_t MtimeNs(const std::string& path) {
-  struct stat st {};
-  ::stat(path.c_str(), &st);
-  return int64_t(st.st_mtim.tv_sec) * 1000000000 + st.st_mtim.tv_nsec;
 }
 
 // What the store made of a table: its fields and the text of field A in every row.

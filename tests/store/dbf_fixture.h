@@ -25,6 +25,55 @@ inline int AddLayerRow(Session& s, const std::string& path, int recCount) {
   return n;
 }
 
+// The value of row `r` in the "v" field of a SmallTable.
+inline std::string QuarterOfRow(int r) {
+  return std::to_string(r / 4.0);
+}
+inline std::string RowNumber(int r) {
+  return std::to_string(r);
+}
+
+// A layer row with a table of `n` rows made here, in a fresh folder named after `dirName`:
+// code C 6 = "r<row>", v N 8.2 = value(row). The log is recorded.
+struct SmallTable {
+  RecordingHost host;
+  Session s{host};
+  std::string dir, shp, dbf;
+  int lyr = 0;
+  explicit SmallTable(const std::string& dirName, int n, int shpType = 3,
+                      std::string (*value)(int) = QuarterOfRow)
+      : dir(TempDir(dirName)), shp(dir + "roads.shp"), dbf(dir + "roads.dbf") {
+    lyr = AddLayerRow(s, shp, n);
+    s.Lyr[lyr].Shp.ShpType = shpType;
+    InitDbf(s, lyr);
+    AddField(s, lyr, "code", 'C', 6, 0);
+    AddField(s, lyr, "v", 'N', 8, 2);
+    CreateDbf(s, lyr, shp);
+    for (int r = 0; r < n; ++r) {
+      SetFieldValue(s, lyr, 0, " ");
+      SetFieldValue(s, lyr, 1, std::string("r").append(std::to_string(r))); // GCC 12 -Wrestrict
+      SetFieldValue(s, lyr, 2, value(r));
+      WriteDbfRec(s, lyr, r);
+    }
+    SetDbfRecCount(s, lyr, n);
+    CloseDbf(s, lyr);
+    OpenDbf(s, lyr, shp);
+    EXPECT_EQ(s.DbfErr, 0);
+  }
+  DbfBlock& B() { return s.Lyr[lyr].Dbf; }
+  // Row `row` with code `code`, through the swap file.
+  void Edit(int row, const std::string& code) {
+    ReadDbfRec(s, lyr, row);
+    SetFieldValue(s, lyr, 1, code);
+    s.DbfErr = 0;
+    WriteDbfRecSwap(s, lyr, row);
+  }
+  std::string Code(int row) {
+    ReadDbfRec(s, lyr, row);
+    return Trim(GetFieldValue(s, lyr, 1));
+  }
+};
+
 inline std::string Quote(const std::string& s) {
   return "'" + s + "'";
 }

@@ -8,41 +8,8 @@ using namespace velmora::test;
 
 namespace {
 
-// A table of `n` rows made here: code C 6 = "r<row>", v N 8.2 = row / 4.
-struct Table {
-  Session s;
-  std::string dir = TempDir("dbf-swap");
-  std::string shp = dir + "roads.shp";
-  std::string dbf = dir + "roads.dbf";
-  int lyr = 0;
-  explicit Table(int n, int shpType = 3) {
-    lyr = AddLayerRow(s, shp, n);
-    s.Lyr[lyr].Shp.ShpType = shpType;
-    InitDbf(s, lyr);
-    AddField(s, lyr, "code", 'C', 6, 0);
-    AddField(s, lyr, "v", 'N', 8, 2);
-    CreateDbf(s, lyr, shp);
-    for (int r = 0; r < n; ++r) {
-      SetFieldValue(s, lyr, 0, " ");
-      SetFieldValue(s, lyr, 1, std::string("r").append(std::to_string(r))); // GCC 12 -Wrestrict
-      SetFieldValue(s, lyr, 2, std::to_string(r / 4.0));
-      WriteDbfRec(s, lyr, r);
-    }
-    SetDbfRecCount(s, lyr, n);
-    CloseDbf(s, lyr);
-    OpenDbf(s, lyr, shp);
-    EXPECT_EQ(s.DbfErr, 0);
-  }
-  DbfBlock& B() { return s.Lyr[lyr].Dbf; }
-  void Edit(int row, const std::string& code) {
-    ReadDbfRec(s, lyr, row);
-    SetFieldValue(s, lyr, 1, code);
-    WriteDbfRecSwap(s, lyr, row);
-  }
-  std::string Code(int row) {
-    ReadDbfRec(s, lyr, row);
-    return Trim(GetFieldValue(s, lyr, 1));
-  }
+struct Table : SmallTable {
+  explicit Table(int n, int shpType = 3) : SmallTable("dbf-swap", n, shpType) {}
 };
 
 } // namespace

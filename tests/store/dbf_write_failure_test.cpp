@@ -16,42 +16,8 @@ using namespace velmora::test;
 
 namespace {
 
-// A table of `n` rows: code C 6 = "r<row>", v N 8.2 = row.
-struct Table {
-  RecordingHost host;
-  Session s{host};
-  std::string dir = TempDir("dbf-fail");
-  std::string shp = dir + "roads.shp";
-  std::string dbf = dir + "roads.dbf";
-  int lyr = 0;
-  explicit Table(int n) {
-    lyr = AddLayerRow(s, shp, n);
-    InitDbf(s, lyr);
-    AddField(s, lyr, "code", 'C', 6, 0);
-    AddField(s, lyr, "v", 'N', 8, 2);
-    CreateDbf(s, lyr, shp);
-    for (int r = 0; r < n; ++r) {
-      SetFieldValue(s, lyr, 0, " ");
-      SetFieldValue(s, lyr, 1, "r" + std::to_string(r));
-      SetFieldValue(s, lyr, 2, std::to_string(r));
-      WriteDbfRec(s, lyr, r);
-    }
-    SetDbfRecCount(s, lyr, n);
-    CloseDbf(s, lyr);
-    OpenDbf(s, lyr, shp);
-    EXPECT_EQ(s.DbfErr, 0);
-  }
-  DbfBlock& B() { return s.Lyr[lyr].Dbf; }
-  void Edit(int row, const std::string& code) {
-    ReadDbfRec(s, lyr, row);
-    SetFieldValue(s, lyr, 1, code);
-    s.DbfErr = 0;
-    WriteDbfRecSwap(s, lyr, row);
-  }
-  std::string Code(int row) {
-    ReadDbfRec(s, lyr, row);
-    return Trim(GetFieldValue(s, lyr, 1));
-  }
+struct Table : SmallTable {
+  explicit Table(int n) : SmallTable("dbf-fail", n, 3, RowNumber) {}
   // The swap file's descriptor made read-only under the store, as a file gone bad would be.
   void BreakSwap() {
     int ro = ::open(B().SwapPath.c_str(), O_RDONLY);

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <fstream>
 #include <sstream>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace velmora::test {
@@ -92,6 +93,21 @@ MsgAnswer RecordingHost::MsgBox(const std::string& text, const std::string& titl
 
 bool RecordingHost::IsDialogOpen(const std::string& caption) {
   return std::find(openDialogs.begin(), openDialogs.end(), caption) != openDialogs.end();
+}
+
+void Put16(std::string& b, size_t at, int v) {
+  b[at] = char(v & 0xFF);
+  b[at + 1] = char((v >> 8) & 0xFF);
+}
+
+void Put32(std::string& b, size_t at, uint32_t v) {
+  for (int k = 0; k < 4; ++k) b[at + size_t(k)] = char((v >> (8 * k)) & 0xFF);
+}
+
+int64_t MtimeNs(const std::string& path) {
+  struct stat st {};
+  ::stat(path.c_str(), &st);
+  return int64_t(st.st_mtim.tv_sec) * 1000000000 + st.st_mtim.tv_nsec;
 }
 
 } // namespace velmora::test

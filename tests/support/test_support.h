@@ -1,4 +1,5 @@
 #pragma once
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -55,5 +56,11 @@ public:
     return true;
   }
 };
+
+// Little-endian words written into a file image, for damaging headers on purpose.
+void Put16(std::string& b, size_t at, int v);
+void Put32(std::string& b, size_t at, uint32_t v);
+// A file's modification time in nanoseconds: a reader that wrote to it would move it.
+int64_t MtimeNs(const std::string& path);
 
 } // namespace velmora::test
