@@ -3,6 +3,7 @@
 #include <QCoreApplication>
 #include <QTimer>
 #include <clocale>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -74,6 +75,9 @@ int main(int argc, char** argv) {
   // The user's locale, in every mode: the session takes its decimal separator and short
   // date from it, and every number that crosses a file is written without it.
   std::setlocale(LC_ALL, "");
+  // A file-size limit then fails the write that crosses it, and the save says so and
+  // cleans up, instead of the process dying with its temporaries left behind.
+  std::signal(SIGXFSZ, SIG_IGN);
   CmdLineOpts o = ParseCmdLine(std::vector<std::string>(argv + 1, argv + argc));
   switch (o.Mode) {
   case RunMode::Help:

@@ -129,3 +129,33 @@ TEST(HeadlessLayers, TransformFilterAnswersLineByLine) {
   EXPECT_EQ(lines[1], "");
   EXPECT_FALSE(lines[2].empty());
 }
+
+TEST(HeadlessLayers, ASaveUnderAFileSizeLimitLeavesTheOldFilesAndNoTemporaries) {
+  std::string dir = TempDir("fsize");
+  std::string csv = "code,WKT\n";
+  for (int i = 0; i < 300; ++i)
+    csv += "r" + std::to_string(i) + ",\"LINESTRING (" + std::to_string(i) + " 0," +
+           std::to_string(i + 1) + " 1)\"\n";
+  WriteFile(dir + "r.csv", csv);
+  int st = 0;
+  RunCmd("ogr2ogr -q -f 'ESRI Shapefile' -nlt LINESTRING " + Quote(dir + "roads.shp") + " " +
+             Quote(dir + "r.csv") + " -oo KEEP_GEOM_COLUMNS=NO 2>&1",
+         &st);
+  ASSERT_EQ(st, 0);
+  const std::string src = dir + "roads.shp";
+  std::string before;
+  for (const char* ext : {"shp", "shx", "dbf"}) before += ReadFile(dir + "roads." + ext);
+  WriteFile(dir + "run.lst", "SET DATA " + src + " 2 code=CHANGED\nDELETE FEATURE " + src +
+                                 " 1\nSAVE LAYER " + src + "\n");
+  // 8 KB: the new .dbf and .shp cannot be written whole.
+  std::string out = RunCmd("ulimit -f 8; " + Quote(VELMORA_BINARY) + " --headless " +
+                               Quote(dir + "run.lst") + " 2>&1",
+                           &st);
+  EXPECT_EQ(st, 0) << out;
+  EXPECT_NE(out.find(" *** Save Layer roads.shp has been canceled *** "), std::string::npos) << out;
+  EXPECT_NE(out.find("file too large"), std::string::npos) << out;
+  std::string after;
+  for (const char* ext : {"shp", "shx", "dbf"}) after += ReadFile(dir + "roads." + ext);
+  EXPECT_EQ(after, before);
+  EXPECT_EQ(RunCmd("ls " + Quote(dir) + " | grep -c '^qmt' || true"), "0\n");
+}
