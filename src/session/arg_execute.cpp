@@ -12,6 +12,7 @@
 #include "session/layer_life.h"
 #include "session/project.h"
 #include "session/undo_restore.h"
+#include "session/word_cmds.h"
 #include "store/dbf_store.h"
 #include "store/shp_store.h"
 #include "table/field_struct.h"
@@ -221,6 +222,10 @@ void ArgStrExecute(Session& s) {
   if (s.ArgStr.size() < 2) return;
   try {
     int n = 0;
+    if (RunWordCmd(s, n)) {
+      if (ArgStrEndsInExit(s)) SaveAndRemove(s, n);
+      return;
+    }
     bool moved = false;
     for (const CmdCall& c : ParseArgStr(s)) {
       if (c.Op == CmdOp::NumberError) {
