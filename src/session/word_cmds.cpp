@@ -7,6 +7,7 @@
 #include "model/companion_file.h"
 #include "model/file_util.h"
 #include "model/val.h"
+#include "session/cmds_select.h"
 #include "session/layer_life.h"
 
 namespace velmora {
@@ -15,6 +16,25 @@ namespace {
 
 // One row per command; areas add theirs here.
 const WordCmd kWordCmds[] = {
+    {"FIND", "QUERY", CmdFindQuery},
+    {"FIND", "NESTED", CmdFindNested},
+    {"SELECTION", nullptr, CmdSelection},
+    {"COPY", "SELECTED", CmdCopySelected},
+    {"CUT", "SELECTED", CmdCutSelected},
+    {"COMBINE", "SELECTED", CmdCombineSelected},
+    {"SEPARATE", "SELECTED", CmdSeparateSelected},
+    {"COMBINEPARTS", "SELECTED", CmdCombinePartsSelected},
+    {"DELETE", "SELECTED", CmdDeleteSelected},
+    {"CLOSE", "SELECTED", CmdCloseSelected},
+    {"REMOVE", "DELETED", CmdRemoveDeleted},
+    {"DELETE", "FEATURES", CmdDeleteFeatures},
+    {"UNDELETE", "FEATURES", CmdUndeleteFeatures},
+    {"DELETE", "RECORDS", CmdDeleteRecords},
+    {"UNDELETE", "RECORDS", CmdUndeleteRecords},
+    {"DELETE", "SNAPSHOT", CmdDeleteSnapshot},
+    {"UNDELETE", "SNAPSHOT", CmdUndeleteSnapshot},
+    {"CUT", "SNAPSHOT", CmdCutSnapshot},
+    {"UNCUT", "SNAPSHOT", CmdUncutSnapshot},
     {nullptr, nullptr, nullptr},
 };
 
