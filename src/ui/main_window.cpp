@@ -35,10 +35,12 @@
 #include "store/shp_store.h"
 #include "ui/coords_convert_dialog.h"
 #include "ui/coords_dialog.h"
+#include "ui/find_data_dialog.h"
 #include "ui/layer_list_widget.h"
 #include "ui/layer_props_dialog.h"
 #include "ui/map_widget.h"
 #include "ui/move_dialogs.h"
+#include "ui/selection_actions.h"
 #include "ui/tool_icons.h"
 #include "view/map_toolbar.h"
 #include "view/map_tools.h"
@@ -133,6 +135,8 @@ MainWindow::MainWindow(Session& s, QtHost& host, QWidget* parent)
     SyncUi();
   });
   connect(map_, &MapWidget::DialogRequested, this, &MainWindow::OpenMoveDialog);
+  connect(map_, &MapWidget::SelectionRequested, this,
+          [this](const QString& name) { RunSelection(FromQ(name)); });
   connect(map_, &MapWidget::ViewCommandRequested, this, [this](const QString& name) {
     if (name == "mnuFullExtent" && s_.LyrCount > 0) MapFull(s_);
     if (name == "mnuZoomPrevious") ZoomPrevious(s_);
@@ -180,6 +184,8 @@ void MainWindow::BuildToolbar() {
   zoomOut->setIcon(MakeToolIcon(ToolIcon::ZoomOut));
   QAction* pan = ToolAction("Pan", "Pan", kToolPan);
   pan->setIcon(MakeToolIcon(ToolIcon::Pan));
+  QAction* selectBox = ToolAction("Select Box", "SelectBox", kToolSelectBox);
+  selectBox->setIcon(MakeToolIcon(ToolIcon::SelectBox));
   QAction* measure = ToolAction("Measure", "Measure", kToolMeasure);
   measure->setIcon(MakeToolIcon(ToolIcon::Measure));
   QAction* editFeature = ToolAction("Edit Feature", "EditFeature", kToolEditFeature);
@@ -233,6 +239,7 @@ void MainWindow::BuildToolbar() {
   tb->addAction(zoomIn);
   tb->addAction(zoomOut);
   tb->addAction(pan);
+  tb->addAction(selectBox);
   tb->addAction(measure);
   tb->addSeparator();
   tb->addAction(editFeature);
@@ -304,6 +311,10 @@ void MainWindow::BuildMenus() {
     });
   scaleMenu_->addSeparator();
   scaleMenu_->addAction("Custom Scale...", this, &MainWindow::CustomScale);
+
+  QMenu* selection = menuBar()->addMenu("&Selection");
+  selection->setObjectName("mnuSelectionMain");
+  FillSelectionMenu(selection, s_, [this](const std::string& name) { RunSelection(name); });
 
   QMenu* tools = menuBar()->addMenu("&Tools");
   tools->addAction(findChild<QAction*>("mnuTerminateAll"));
@@ -420,6 +431,23 @@ void MainWindow::OpenMoveDialog(const QString& name) {
   d->setAttribute(Qt::WA_DeleteOnClose);
   slot = d;
   d->show();
+}
+
+void MainWindow::RunSelection(const std::string& name) {
+  RunSelectionAction(this, s_, name, [this] {
+    if (!find_) {
+      auto* d = new FindDataDialog(s_, this);
+      d->setAttribute(Qt::WA_DeleteOnClose);
+      connect(d, &FindDataDialog::Found, this, &MainWindow::SyncUi);
+      find_ = d;
+    } else {
+      static_cast<FindDataDialog*>(find_.data())->FillLayers();
+    }
+    find_->show();
+    find_->raise();
+  });
+  map_->ClearOverlay();
+  SyncUi();
 }
 
 void MainWindow::SyncUi() {

@@ -36,6 +36,8 @@ public:
   bool RunStartLine(const std::vector<std::string>& args);
   // frmMove ("MoveDistance", "MoveToXY"), frmRotateAngle or frmMoveSettings.
   void OpenMoveDialog(const QString& name);
+  // An entry of the selection menus on the active layer ("mnuFindByData" opens the dialog).
+  void RunSelection(const std::string& name);
 
   MapWidget* Map() const { return map_; }
   LayerListWidget* LayerList() const { return list_; }
@@ -75,6 +77,7 @@ private:
   QLabel* txtFunc_;
   QTimer* unloadTimer_;
   QActionGroup* tools_ = nullptr;
+  QPointer<QWidget> find_; // Find by Data
   QAction* actFull_ = nullptr;
   QAction* actPrev_ = nullptr;
   QAction* actNext_ = nullptr;

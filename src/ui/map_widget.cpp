@@ -8,6 +8,8 @@
 #include <QWheelEvent>
 
 #include "platform/qt/qt_host.h"
+#include "query/selection.h"
+#include "query/selection_menu.h"
 #include "view/gestures.h"
 #include "view/map_draw.h"
 #include "view/map_tools.h"
@@ -140,8 +142,10 @@ void MapWidget::SetToolCursor(int tool) {
   }
 }
 
-void MapWidget::ShowPopup(const PopupMenu& m) {
+void MapWidget::ShowPopup(const PopupMenu& shown) {
   if (popup_) popup_->close();
+  PopupMenu m = shown;
+  if (m.Name == "mnuSelection") AddSelectionEntries(s_, m);
   auto* menu = new QMenu(this);
   menu->setObjectName(ToQ(m.Name));
   menu->setAttribute(Qt::WA_DeleteOnClose);
@@ -157,6 +161,12 @@ void MapWidget::ShowPopup(const PopupMenu& m) {
     a->setChecked(e.Checked);
     const std::string name = e.Name;
     connect(a, &QAction::triggered, this, [this, name] {
+      if (IsSelectionEntry(name)) {
+        s_.Edit.PopupOpen = 0;
+        emit SelectionRequested(ToQ(name));
+        update();
+        return;
+      }
       RunMenuEntry(s_, *this, name);
       emit Edited();
       update();
@@ -227,7 +237,9 @@ void MapWidget::mouseReleaseEvent(QMouseEvent* e) {
   if (drag_ == Drag::None) {
     const QPoint at = e->position().toPoint();
     if (s_.LyrCount > 0 && EditorTool(s_.MapView.MapTool) && e->button() == Qt::LeftButton) {
+      const bool box = s_.MapView.MapTool == kToolSelectBox && s_.Edit.MouseDown;
       EditPicUp(s_, *this, kLeftButton, KeysOf(e->modifiers()), at.x(), at.y());
+      if (box) SelectBoxRelease(at, KeysOf(e->modifiers()));
       emit Edited();
     }
     return;
@@ -252,6 +264,13 @@ void MapWidget::mouseReleaseEvent(QMouseEvent* e) {
   }
   UpdateCursor();
   update();
+}
+
+void MapWidget::SelectBoxRelease(QPoint at, int keys) {
+  ClearOverlay();
+  QPoint a = from_, b = at;
+  if ((a - b).manhattanLength() < 3) b = a; // a click
+  SelectByBox(s_, WorldX(s_, a.x()), WorldY(s_, a.y()), WorldX(s_, b.x()), WorldY(s_, b.y()), keys);
 }
 
 void MapWidget::wheelEvent(QWheelEvent* e) {

@@ -54,6 +54,8 @@ signals:
   void DialogRequested(const QString& name);
   // mnuFullExtent, mnuZoomPrevious, mnuZoomNext of the popups; an edit changed the session.
   void ViewCommandRequested(const QString& name);
+  // An entry of the selection popup (mnuSelection), run by the window on the active layer.
+  void SelectionRequested(const QString& name);
   void Edited();
 
 protected:
@@ -66,6 +68,9 @@ protected:
   void mouseDoubleClickEvent(QMouseEvent* e) override;
 
 private:
+  // The select box of tool 7 let go at `at`, from the press.
+  void SelectBoxRelease(QPoint at, int keys);
+
   Session& s_;
   QImage buf_;
   std::unique_ptr<QtCanvas> canvas_;

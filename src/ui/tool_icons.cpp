@@ -51,6 +51,14 @@ QIcon MakeToolIcon(ToolIcon kind) {
   case ToolIcon::ZoomIn:
     Magnifier(p, true);
     break;
+  case ToolIcon::SelectBox: // a dashed box over a highlighted feature
+    p.setPen(Qt::NoPen);
+    p.setBrush(QColor(250, 220, 60));
+    p.drawEllipse(QRectF(8, 8, 9, 9));
+    p.setPen(QPen(QColor(40, 40, 40), 1.2, Qt::DashLine));
+    p.setBrush(Qt::NoBrush);
+    p.drawRect(QRectF(3, 3, 18, 18));
+    break;
   case ToolIcon::Measure: // a ruler
     p.setPen(QPen(QColor(40, 40, 40), 1.2));
     p.setBrush(QColor(240, 210, 110));

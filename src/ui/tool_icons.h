@@ -14,7 +14,8 @@ enum class ToolIcon {
   Terminate,
   Measure,
   EditFeature,
-  CreateFeature
+  CreateFeature,
+  SelectBox
 };
 QIcon MakeToolIcon(ToolIcon kind);
 
