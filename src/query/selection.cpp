@@ -172,15 +172,21 @@ void InvertSelection(Session& s, int lyr) {
     sel[i] = uint8_t(~sel[i] & ~d & keep);
   }
   std::fill(sel.begin() + long(std::min(bytes, sel.size())), sel.end(), uint8_t(0));
-  s.Query.SelDirty = -1;
+  SelectionChanged(s, lyr);
 }
 
-void ClearSelection(Session& s, int lyr) {
+void ClearSelBits(Session& s, int lyr) {
   if (!UserOrSlot(s, lyr)) return;
   auto& sel = s.Lyr[lyr].SelBits;
   std::fill(sel.begin(), sel.end(), uint8_t(0));
   FitSelBits(s, lyr);
   s.Query.SelDirty = -1;
+}
+
+void ClearSelection(Session& s, int lyr) {
+  if (!UserOrSlot(s, lyr)) return;
+  ClearSelBits(s, lyr);
+  SelectionChanged(s, lyr);
 }
 
 bool ZoomToSelected(Session& s, int lyr) {
@@ -232,7 +238,7 @@ int SelectByBox(Session& s, double left, double top, double right, double bottom
   };
   if (!add && !remove)
     for (int i = 1; i <= s.LyrCount; ++i)
-      if (takesPart(i)) ClearSelection(s, i);
+      if (takesPart(i)) ClearSelBits(s, i);
   if (click) {
     // A click: a pick box of the usual size, the top feature under it.
     const double half = 2 * s.MapView.MapFactor;

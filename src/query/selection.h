@@ -31,9 +31,11 @@ const std::vector<uint8_t>& DeletedBits(Session& s, int lyr);
 // "Select Features" and "UnSelect Features": records first .. last, also walking downward
 // when first > last, under the busy frame with a yield and cancel test after each.
 void SelectRange(Session& s, int lyr, int first, int last, bool on);
-// "Invert Selection": every record not deleted changes its bit.
+// "Invert Selection": every record not deleted changes its bit. It and ClearSelection tell
+// the table and the map (SelectionChanged); ClearSelBits only empties the set.
 void InvertSelection(Session& s, int lyr);
 void ClearSelection(Session& s, int lyr);
+void ClearSelBits(Session& s, int lyr);
 // The map window fitted to the boxes of the selected features (recorded in the history);
 // false when nothing is selected.
 bool ZoomToSelected(Session& s, int lyr);

@@ -84,10 +84,8 @@ bool RunSelectionEntry(Session& s, const std::string& name, int lyr, int dst, in
     SelectRange(s, lyr, first, last, name == "mnuSelect");
   } else if (name == "mnuInvertSelection") {
     InvertSelection(s, lyr);
-    SelectionChanged(s, lyr);
   } else if (name == "mnuClearSelection") {
     ClearSelection(s, lyr);
-    SelectionChanged(s, lyr);
   } else if (name == "mnuZoomtoSelected") {
     ZoomToSelected(s, lyr);
     return true;

@@ -97,10 +97,8 @@ int CmdSelection(Session& s) {
     SelectRange(s, lyr, first, last, w == "ADD");
   } else if (w == "INVERT") {
     InvertSelection(s, lyr);
-    SelectionChanged(s, lyr);
   } else if (w == "CLEAR") {
     ClearSelection(s, lyr);
-    SelectionChanged(s, lyr);
   } else if (w == "ZOOM") {
     ZoomToSelected(s, lyr);
     return lyr;
