@@ -95,6 +95,19 @@ TEST_F(BulkTest, TypesThatCannotHoldEachOtherAreRefusedAndNothingChanges) {
   EXPECT_EQ(Recs(pts), 1);
 }
 
+TEST_F(BulkTest, BusyDestinationRefusesAndLeavesTheSourceFree) {
+  SelectRec(s, gons, 1);
+  s.Lyr[lines].LyrBusy = -1;
+  s.Lyr[lines].BusyFunc = "Save Layer";
+  EXPECT_EQ(CopySelected(s, gons, lines), -1);
+  EXPECT_TRUE(Logged(" *** Past Features lines.shp has been canceled *** "));
+  EXPECT_EQ(Recs(lines), 2);
+  EXPECT_EQ(s.Lyr[gons].LyrBusy, 0);
+  s.Lyr[lines].LyrBusy = 0;
+  EXPECT_EQ(CopySelected(s, gons, lines), 1);
+  EXPECT_EQ(s.Lyr[lines].LyrBusy, 0);
+}
+
 TEST_F(BulkTest, CombineMakesOneFeatureOfAllPartsWithTheFirstAttributes) {
   SelectRec(s, gons, 2);
   SelectRec(s, gons, 3);
