@@ -177,6 +177,8 @@ int FindByLocation(Session& s, const LocationQuery& q) {
       if (findOuter ? q.RefSelectedOnly && !Bit(s.Lyr[ref].SelBits, g)
                     : !TakesPart(s.Lyr[find], q.Criteria, f))
         continue;
+      // Without a transfer a second match of a marked feature changes nothing.
+      if (!findOuter && !transfer && Bit(s.Lyr[find].QryBits, f)) continue;
       if (!LocationPredicate(s, q.Relation, find, f, ref, g, tol)) continue;
       SetBit(s.Lyr[find].QryBits, f, true);
       if (transfer) TransferData(s, ref, g, find, f, q.TransferFields);
