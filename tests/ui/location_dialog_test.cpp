@@ -2,6 +2,7 @@
 
 #include "qt_app.h"
 
+#include <QAction>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLabel>
@@ -9,11 +10,13 @@
 #include <QListWidget>
 #include <QPushButton>
 
+#include "platform/qt/qt_host.h"
 #include "session/layer_life.h"
 #include "session/map_init.h"
 #include "store/dbf_store.h"
 #include "test_support.h"
 #include "ui/location_dialog.h"
+#include "ui/main_window.h"
 
 namespace velmora {
 namespace {
@@ -113,6 +116,22 @@ TEST_F(LocationDialogTest, NoneFindsNothing) {
   size_t logged = host.logged.size();
   d.findChild<QPushButton*>("cmdFind")->click();
   EXPECT_EQ(host.logged.size(), logged);
+}
+
+TEST(LocationMenu, GeoXYOpensOneDialog) {
+  test::App();
+  QtHost host;
+  Session s{host};
+  MainWindow w{s, host};
+  auto* act = w.findChild<QAction*>("mnuGeoXY");
+  ASSERT_TRUE(act);
+  act->trigger();
+  act->trigger();
+  auto dialogs = w.findChildren<LocationDialog*>();
+  ASSERT_EQ(dialogs.size(), 1);
+  EXPECT_TRUE(dialogs[0]->isVisible());
+  EXPECT_TRUE(host.IsDialogOpen(LocationDialog::kCaption));
+  dialogs[0]->close();
 }
 
 } // namespace
