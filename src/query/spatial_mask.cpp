@@ -48,6 +48,12 @@ void BuildMask(Session& s, int layer, int feature, double tol) {
     size_t from = pts.size();
     for (const XY& q : v) {
       XY centre{(q.X - m.Left) / cell - 0.5, (m.Top - q.Y) / cell - 0.5};
+      // A vertex far outside the record's box (a stale or damaged box) or not a number:
+      // the picture would not be the feature, so the tests run in full.
+      if (!(std::abs(centre.X) < 4 * kMaskSide && std::abs(centre.Y) < 4 * kMaskSide)) {
+        FreeMask(s);
+        return;
+      }
       pts.push_back({int(std::lround(centre.X)), int(std::lround(centre.Y))});
     }
     if (f == kMulti) {

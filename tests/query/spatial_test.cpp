@@ -324,5 +324,20 @@ TEST_F(SpatialFeatures, NoMaskForAPointOrATooLargeTolerance) {
   EXPECT_TRUE(MaskRejects(s, g, f, P(-0.5, 5)) == false); // outside its pixels: not judged
 }
 
+TEST_F(SpatialFeatures, DamagedVerticesLeaveTheMaskOffAndCrashNothing) {
+  int g = MemLayer(s, 5);
+  int f = MemFeature(s, g, {Square(0, 0, 10)});
+  s.Lyr[g].Shp.ShpRecs[size_t(f)].Part(0).PartPoints()[2] = XY{NAN, 1e300};
+  BuildMask(s, g, f, 0.01);
+  EXPECT_FALSE(s.Loc.Mask.Active);
+  int far = MemFeature(s, g, {Square(0, 0, 10)});
+  s.Lyr[g].Shp.ShpRecs[size_t(far)].Part(0).PartPoints()[1] = XY{0, 1e12}; // box now stale
+  BuildMask(s, g, far, 0.01);
+  EXPECT_FALSE(s.Loc.Mask.Active);
+  EXPECT_FALSE(PointInPolygonStrict(s, g, f, P(50, 50), nullptr, 0));
+  (void)FeaturesIntersect(s, g, f, g, far, nullptr, 0);
+  (void)FeatureOverlap(s, g, f, g, far, nullptr, 0);
+}
+
 } // namespace
 } // namespace velmora
