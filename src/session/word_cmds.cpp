@@ -8,6 +8,7 @@
 #include "model/file_util.h"
 #include "model/val.h"
 #include "session/cmds_select.h"
+#include "session/cmds_location.h"
 #include "session/layer_life.h"
 
 namespace velmora {
@@ -35,6 +36,7 @@ const WordCmd kWordCmds[] = {
     {"UNDELETE", "SNAPSHOT", CmdUndeleteSnapshot},
     {"CUT", "SNAPSHOT", CmdCutSnapshot},
     {"UNCUT", "SNAPSHOT", CmdUncutSnapshot},
+    {"FIND", "LOCATION", RunFindLocationCmd},
     {nullptr, nullptr, nullptr},
 };
 
