@@ -11,6 +11,7 @@
 #include "model/held_lyrs.h"
 #include "model/lyr_table.h"
 #include "model/map_view.h"
+#include "model/table_types.h"
 #include "model/undo_types.h"
 #include "platform/host.h"
 
@@ -49,7 +50,8 @@ struct Session {
   int32_t UndoPos = 0, UndoCount = 0;
   bool UndoOn = false, RedoOn = false; // the undo and redo buttons and menu items
 
-  EditVars Edit; // the map editor: hit slots, drag, drawing, movement settings
+  EditVars Edit;  // the map editor: hit slots, drag, drawing, movement settings
+  TableState Tbl; // the data tables: orders kept for the undo of row sorts
 
   std::vector<ViewHistEntry> ViewHist;
   int32_t ViewPos = 0, ViewCount = 0;

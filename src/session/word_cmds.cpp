@@ -7,6 +7,7 @@
 #include "model/companion_file.h"
 #include "model/file_util.h"
 #include "model/val.h"
+#include "session/cmds_table.h"
 #include "session/layer_life.h"
 
 namespace velmora {
@@ -15,7 +16,11 @@ namespace {
 
 // One row per command; areas add theirs here.
 const WordCmd kWordCmds[] = {
-    {nullptr, nullptr, nullptr},
+    {"FILL", "SERIES", RunFillSeriesCmd},     {"ADD", "RECORDS", RunAddRecordsCmd},
+    {"DELETE", "FIELD", RunDeleteFieldCmd},   {"RENAME", "FIELD", RunRenameFieldCmd},
+    {"CHANGE", "FIELD", RunChangeFieldCmd},   {"SORT", "ROWS", RunSortRowsCmd},
+    {"UNSORT", "ROWS", RunUnsortRowsCmd},     {"CONVERT", "UTF8", RunConvertUtf8Cmd},
+    {"CONVERT", "ASCII", RunConvertAsciiCmd}, {nullptr, nullptr, nullptr},
 };
 
 std::string StripQuotes(const std::string& t) {
