@@ -74,8 +74,10 @@ bool ApplyOrder(Session& s, RunningFunction& rf, const std::vector<int32_t>& ord
   for (int i = 0; i < rows && !s.DbfErr; ++i) {
     ReadDbfRec(s, lyr, order[size_t(i)]);
     s.Lyr[w].Dbf.DbfBuf = s.Lyr[lyr].Dbf.DbfBuf;
+    s.Lyr[w].Dbf.DbfBufChanged = -1;
     WriteDbfRec(s, w, i);
   }
+  SetDbfRecCount(s, w, rows);
   if (s.DbfErr) return drop(), false;
   // From here on the layer changes: no yield until it is whole again.
   for (int i = 0; i < rows && !s.DbfErr; ++i) {
