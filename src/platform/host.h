@@ -80,6 +80,11 @@ public:
   virtual void FlushTable(int lyr) { (void)lyr; }
   // The layer goes away: its table, Identify and Edit Feature let go of it.
   virtual void CloseTable(int lyr) { (void)lyr; }
+  // Opens `path` with the program `program` (a hyperlink's own program).
+  virtual bool OpenWith(const std::string& program, const std::string& path) {
+    (void)program, (void)path;
+    return false;
+  }
 };
 
 } // namespace velmora

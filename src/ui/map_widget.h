@@ -55,6 +55,8 @@ signals:
   // mnuFullExtent, mnuZoomPrevious, mnuZoomNext of the popups; an edit changed the session.
   void ViewCommandRequested(const QString& name);
   void Edited();
+  // A click of tool 8 (Identify) or 9 (HyperLink) at pixel (x, y).
+  void FeaturePicked(int tool, int x, int y);
 
 protected:
   void paintEvent(QPaintEvent* e) override;
