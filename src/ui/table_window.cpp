@@ -59,6 +59,7 @@ TableWindow::TableWindow(Session& s, int lyr, QWidget* parent)
   grid_->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed |
                          QAbstractItemView::AnyKeyPressed);
   grid_->installEventFilter(this);
+  grid_->viewport()->installEventFilter(this);
   scroller_ = new QScrollBar(Qt::Vertical, this);
   scroller_->setObjectName("Scroller");
   scroller_->setTracking(true);
@@ -451,6 +452,8 @@ void TableWindow::resizeEvent(QResizeEvent* e) {
 }
 
 bool TableWindow::eventFilter(QObject* o, QEvent* e) {
+  // The page holds the rows that fit.
+  if (o == grid_->viewport() && e->type() == QEvent::Resize) FitRows();
   // The wheel and the keys beyond the page's edge move the scroller by a row.
   if (o == grid_ && e->type() == QEvent::Wheel) {
     auto* w = static_cast<QWheelEvent*>(e);
