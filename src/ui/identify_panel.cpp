@@ -18,7 +18,7 @@ IdentifyPanel::IdentifyPanel(Session& s, QWidget* parent)
   setWidget(tree_);
   connect(tree_, &QTreeWidget::itemDoubleClicked, this, [this](QTreeWidgetItem* it) {
     while (it->parent()) it = it->parent();
-    const int i = tree_->indexOfTopLevelItem(it);
+    const int i = it->data(0, Qt::UserRole).toInt();
     if (i < 0 || size_t(i) >= hits_.size()) return;
     const int lyr = FindLyrByFile(s_, hits_[size_t(i)].first);
     if (lyr >= 1) emit EditFeatureRequested(lyr, hits_[size_t(i)].second);

@@ -70,6 +70,9 @@ EditFeatureWindow* TableWindows::ShowEditFeature(int lyr, int rec) {
 }
 
 void TableWindows::EditHitChanged() {
+  // An edit on the map may have changed cells or the selection that the tables show.
+  for (auto& [source, t] : tables_)
+    if (t) t->Reload();
   if (!editFeature_) return;
   const HitRec& h = s_.Edit.EditHit;
   if (h.HitKind != 0 && h.HitLyr >= 1 && h.HitFeature >= 1) {
