@@ -320,6 +320,10 @@ void MainWindow::BuildMenus() {
 
   QMenu* tools = menuBar()->addMenu("&Tools");
   tools->addAction(findChild<QAction*>("mnuTerminateAll"));
+  tools->addAction("Edit Feature Data", this, [this] {
+    const HitRec& h = s_.Edit.EditHit;
+    tables_->ShowEditFeature(h.HitKind ? h.HitLyr : 0, h.HitKind ? h.HitFeature : 0);
+  });
   tools->addSeparator();
   tools->addAction("Coordinates...", this, [this] {
     if (!coords_) {
