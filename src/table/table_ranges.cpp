@@ -77,7 +77,9 @@ void SetNoted(Session& s, int lyr, int rec, int f, const std::string& v) {
   SetFieldValue(s, lyr, f, v);
 }
 
-std::string RangeText(Session& s, TblPage& p, const std::string& op, bool& ok) {
+// The range's text, tab-separated with "\r\n" behind each row; with `clear` every cell
+// is emptied as it is taken (a "Numeric" cell to 0).
+std::string RangeText(Session& s, TblPage& p, const std::string& op, bool clear, bool& ok) {
   int lyr = p.TblLayer;
   std::string text;
   if (TableLyr(s, lyr)) {
@@ -87,13 +89,14 @@ std::string RangeText(Session& s, TblPage& p, const std::string& op, bool& ok) {
     for (int f = f1; f <= f2; ++f) rowLen += size_t(GetFieldWidth(s, lyr, f)) + 1;
     text.reserve(rowLen * size_t(std::max(0, r2 - r1 + 1)));
   }
-  ok = RangeWalk(s, p, op, false, false, [&](int l, int, int f1, int f2) {
+  ok = RangeWalk(s, p, op, false, clear, [&](int l, int rec, int f1, int f2) {
     for (int f = f1; f <= f2; ++f) {
       if (f > f1) text += '\t';
       text += GetFieldValue(s, l, f);
+      if (clear) SetNoted(s, l, rec, f, GetFieldType(s, l, f) == "Numeric" ? "0" : "");
     }
     text += "\r\n";
-    return Next::Skip;
+    return clear ? Next::Write : Next::Skip;
   });
   return text;
 }
@@ -156,17 +159,16 @@ void NormalizeRange(const Session& s, const TblPage& p, int& r1, int& f1, int& r
 
 bool CopyCells(Session& s, TblPage& p) {
   bool ok = false;
-  std::string text = RangeText(s, p, "Copy Cells", ok);
+  std::string text = RangeText(s, p, "Copy Cells", false, ok);
   if (ok) s.host->SetClipboardText(text);
   return ok;
 }
 
 bool CutCells(Session& s, TblPage& p) {
   bool ok = false;
-  std::string text = RangeText(s, p, "Cut Cells", ok);
-  if (!ok) return false;
-  s.host->SetClipboardText(text);
-  return ClearRange(s, p, "Cut Cells");
+  std::string text = RangeText(s, p, "Cut Cells", true, ok);
+  if (ok) s.host->SetClipboardText(text);
+  return ok;
 }
 
 bool ClearCells(Session& s, TblPage& p) {

@@ -78,3 +78,21 @@ TEST_F(RowSort, RefusedWhenNotEditable) {
   Exec("SORT ROWS '" + path + "' VAL SIDEWAYS");
   EXPECT_EQ(Last(), " *** Sort Rows pts.shp has been canceled *** ");
 }
+
+TEST_F(RowSort, AddedAndRenamedFieldsUndoAndRedo) {
+  Open(3, "fieldundo");
+  s.MapView.MapTarget = 1;
+  ASSERT_TRUE(AddFieldJournalled(s, lyr, "Owner", 'C', 12, 0));
+  ASSERT_TRUE(RenameFieldJournalled(s, lyr, "NAME", "TITLE"));
+  EXPECT_EQ(FindField(s, lyr, "OWNER"), 5);
+  UndoRun(s);
+  EXPECT_EQ(FindField(s, lyr, "NAME"), 1);
+  EXPECT_EQ(Cell(2, "NAME"), "n1");
+  UndoRun(s);
+  EXPECT_EQ(FindField(s, lyr, "OWNER"), -1);
+  EXPECT_EQ(s.Lyr[lyr].Dbf.DbfFieldCount, 4);
+  RedoRun(s);
+  RedoRun(s);
+  EXPECT_EQ(FindField(s, lyr, "OWNER"), 5);
+  EXPECT_EQ(FindField(s, lyr, "TITLE"), 1);
+}

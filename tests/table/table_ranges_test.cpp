@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "frame/busy.h"
 #include "store/shp_store.h"
 #include "table/table_page.h"
@@ -37,6 +39,9 @@ TEST_F(TableRanges, CutSetsNumbersToZeroAndUndoBringsThemBack) {
   EXPECT_EQ(Num(2), 0.0);
   EXPECT_EQ(Num(3), 8.0);
   EXPECT_EQ(Last(), "Cut Cells pts.shp");
+  EXPECT_EQ(std::count(host.logged.begin(), host.logged.end(), "Cut Cells pts.shp"), 1);
+  EXPECT_EQ(host.clip.substr(0, 3), "n0 ");
+  EXPECT_EQ(host.clip.size() - host.clip.rfind("\r\n"), 2u);
   UndoDataEdit(s, lyr, true); // one group for the whole range
   EXPECT_EQ(Cell(1, "NAME"), "n0");
   EXPECT_EQ(Num(2), 9.0);
