@@ -326,8 +326,17 @@ void TableWindow::TakeRange() {
     c1 = std::min(c1, i.column()), c2 = std::max(c2, i.column());
   }
   if (r2 < 0) return;
+  // A Shift click reaches from the cell first clicked, also on an earlier page.
+  const QModelIndex cur = grid_->currentIndex();
+  if ((QApplication::keyboardModifiers() & Qt::ShiftModifier) && anchor_[0] >= 1 && cur.isValid() &&
+      size_t(cur.row()) < page_.RowRec.size() && page_.RowRec[size_t(cur.row())] >= 1) {
+    page_.TblRange = {anchor_[0], anchor_[1], page_.RowRec[size_t(cur.row())],
+                      std::max(1, cur.column() - 1)};
+    return;
+  }
   page_.TblRange = {page_.RowRec[size_t(r1)], std::max(1, c1 - 1), page_.RowRec[size_t(r2)],
                     std::max(1, c2 - 1)};
+  anchor_ = {page_.TblRange[0], page_.TblRange[1]};
 }
 
 int TableWindow::CurrentField() const {

@@ -1,5 +1,6 @@
 #pragma once
 #include <QWidget>
+#include <array>
 #include <string>
 
 #include "model/session.h"
@@ -104,6 +105,7 @@ private:
   QComboBox* mode_;
   QAction* terminate_ = nullptr;
   bool blocked_ = false;
+  std::array<int32_t, 2> anchor_{0, 0}; // record and field a Shift click reaches from
 };
 
 } // namespace velmora
