@@ -9,9 +9,11 @@
 #include <QHeaderView>
 #include <QItemSelectionModel>
 #include <QLabel>
+#include <QLineEdit>
 #include <QScrollBar>
 #include <QTableView>
 #include <QTreeWidget>
+#include <QValidator>
 
 #include "../table/table_fixture.h"
 #include "platform/qt/qt_host.h"
@@ -21,6 +23,7 @@
 #include "ui/edit_feature_window.h"
 #include "ui/identify_panel.h"
 #include "ui/main_window.h"
+#include "ui/table_dialogs.h"
 #include "ui/table_window.h"
 #include "ui/table_windows.h"
 
@@ -173,4 +176,26 @@ TEST_F(TableWindowTest, EditFeatureAndIdentify) {
   ASSERT_EQ(tree->topLevelItemCount(), 1);
   EXPECT_EQ(tree->topLevelItem(0)->text(1), "Record No 3");
   EXPECT_EQ(tree->topLevelItem(0)->child(0)->text(1), "n2");
+}
+
+TEST_F(TableWindowTest, DialogsOfTheTable) {
+  FillSeriesDialog f(s, "3", nullptr);
+  EXPECT_EQ(f.windowTitle(), "Fill Series");
+  EXPECT_EQ(f.Start(), "3");
+  EXPECT_EQ(f.Step(), "1");
+  EXPECT_EQ(f.Stop(), "");
+  int pos = 0;
+  QString typed = "1a";
+  EXPECT_EQ(f.StepValue->validator()->validate(typed, pos), QValidator::Invalid);
+  typed = "-0.5";
+  EXPECT_NE(f.StepValue->validator()->validate(typed, pos), QValidator::Invalid);
+
+  AddRecordsDialog a("roads.shp", nullptr);
+  EXPECT_EQ(a.windowTitle(), "roads.shp : Add Records");
+  EXPECT_EQ(a.Count(), 1);
+
+  FieldDialog d("Change Field", "VAL", 'N', 10, 2, false, nullptr);
+  EXPECT_EQ(d.Type(), 'N');
+  EXPECT_EQ(d.Width(), 10);
+  EXPECT_FALSE(d.FieldName->isEnabled());
 }
