@@ -139,6 +139,10 @@ MainWindow::MainWindow(Session& s, QtHost& host, QWidget* parent)
     if (tool == kToolIdentify) tables_->Identify(x, y);
     if (tool == kToolHyperLink) tables_->HyperLink(x, y);
   });
+  connect(tables_, &TableWindows::PropertiesRequested, this, [this](int n) {
+    s_.ActiveLyr = n;
+    ShowProps();
+  });
   connect(list_, &QListWidget::itemDoubleClicked, this,
           [this](QListWidgetItem* it) { tables_->OpenTable(list_->row(it) + 1); });
   connect(map_, &MapWidget::DialogRequested, this, &MainWindow::OpenMoveDialog);

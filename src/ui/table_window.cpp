@@ -129,6 +129,9 @@ void TableWindow::BuildMenus(QMenuBar* bar) {
     Flush();
     if (int n = Lyr()) SaveLyrAll(s_, n);
   });
+  add(file, "Layer Properties...", "mnuLayerProrperties", [this] {
+    if (int n = Lyr()) emit PropertiesRequested(n);
+  });
   add(file, "Print", "mnuPrint", [this] { PrintPage(); });
   file->addSeparator();
   add(file, "Close", "mnuClose", [this] { close(); });

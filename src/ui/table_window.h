@@ -51,6 +51,8 @@ public:
 signals:
   // mnuEditFeatureData: Edit Feature on this record.
   void EditFeatureRequested(int lyr, int rec);
+  // mnuLayerProrperties: the layer properties dialog of the layer.
+  void PropertiesRequested(int lyr);
 
 public slots:
   // Selection operations, wired by the selection code.

@@ -53,6 +53,7 @@ TableWindow* TableWindows::OpenTable(int lyr) {
   tables_[s_.Lyr[lyr].Fsource] = t;
   connect(t, &TableWindow::EditFeatureRequested, this,
           [this](int l, int rec) { ShowEditFeature(l, rec); });
+  connect(t, &TableWindow::PropertiesRequested, this, &TableWindows::PropertiesRequested);
   t->show();
   return t;
 }

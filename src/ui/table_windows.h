@@ -36,6 +36,9 @@ public:
   void HyperLink(double x, double y);
   IdentifyPanel* Identifier() const;
 
+signals:
+  void PropertiesRequested(int lyr);
+
 private:
   void DataChanged(int lyr);
   void FieldsChanged(int lyr);
