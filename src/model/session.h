@@ -13,6 +13,7 @@
 #include "model/lyr_table.h"
 #include "model/map_view.h"
 #include "model/query_types.h"
+#include "model/table_types.h"
 #include "model/undo_types.h"
 #include "platform/host.h"
 
@@ -54,6 +55,7 @@ struct Session {
   QueryVars Query; // selection and find by data
   EditVars Edit;    // the map editor: hit slots, drag, drawing, movement settings
   LocationVars Loc; // find by location: the last crossing, the raster mask
+  TableState Tbl;   // the data tables: orders kept for the undo of row sorts
 
   std::vector<ViewHistEntry> ViewHist;
   int32_t ViewPos = 0, ViewCount = 0;

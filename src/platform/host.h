@@ -66,6 +66,25 @@ public:
   // Cells of the layer changed outside its table (undo and redo of data edits): the open
   // table, Identify and Edit Feature refresh their rows if they show this layer.
   virtual void TableDataChanged(int lyr) { (void)lyr; }
+  // The clipboard's text; "" when it holds none.
+  virtual std::string ClipboardText() { return ""; }
+  virtual void SetClipboardText(const std::string& text) { (void)text; }
+  // Prints lines of tab-separated cells as a table under `title`; false when no printer.
+  virtual bool PrintTable(const std::string& title, const std::vector<std::string>& lines) {
+    (void)title, (void)lines;
+    return false;
+  }
+  // The layer's field table changed: its open table sets up its columns again.
+  virtual void TableFieldsChanged(int lyr) { (void)lyr; }
+  // The open table of the layer writes its page into the store (before an outside change).
+  virtual void FlushTable(int lyr) { (void)lyr; }
+  // The layer goes away: its table, Identify and Edit Feature let go of it.
+  virtual void CloseTable(int lyr) { (void)lyr; }
+  // Opens `path` with the program `program` (a hyperlink's own program).
+  virtual bool OpenWith(const std::string& program, const std::string& path) {
+    (void)program, (void)path;
+    return false;
+  }
 };
 
 } // namespace velmora

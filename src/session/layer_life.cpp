@@ -1,6 +1,8 @@
 // The life of a layer on top of the stores: add, open into a row, save, remove, reload.
 #include "session/layer_life.h"
 
+#include "table/table_refresh.h"
+
 #include <array>
 #include <utility>
 
@@ -238,6 +240,7 @@ void RemoveLyr(Session& s, int index, bool redraw) {
   LogMsg(s, "Remove Layer " + s.Lyr[index].LyrName);
   s.ProjChanged = -1;
   UndoPurgeLyr(s, s.Lyr[index].Fsource);
+  unInstFrmTbl(s, index);
   CloseLyrFiles(s, index);
   for (int i = index; i < s.LyrCount; ++i) s.Lyr[i] = std::move(s.Lyr[i + 1]);
   HeldLyrs& h = s.Held;

@@ -9,6 +9,7 @@
 #include "model/val.h"
 #include "session/cmds_select.h"
 #include "session/cmds_location.h"
+#include "session/cmds_table.h"
 #include "session/layer_life.h"
 
 namespace velmora {
@@ -37,7 +38,11 @@ const WordCmd kWordCmds[] = {
     {"CUT", "SNAPSHOT", CmdCutSnapshot},
     {"UNCUT", "SNAPSHOT", CmdUncutSnapshot},
     {"FIND", "LOCATION", RunFindLocationCmd},
-    {nullptr, nullptr, nullptr},
+    {"FILL", "SERIES", RunFillSeriesCmd},     {"ADD", "RECORDS", RunAddRecordsCmd},
+    {"DELETE", "FIELD", RunDeleteFieldCmd},   {"RENAME", "FIELD", RunRenameFieldCmd},
+    {"CHANGE", "FIELD", RunChangeFieldCmd},   {"SORT", "ROWS", RunSortRowsCmd},
+    {"UNSORT", "ROWS", RunUnsortRowsCmd},     {"CONVERT", "UTF8", RunConvertUtf8Cmd},
+    {"CONVERT", "ASCII", RunConvertAsciiCmd}, {nullptr, nullptr, nullptr},
 };
 
 std::string StripQuotes(const std::string& t) {

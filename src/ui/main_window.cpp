@@ -42,6 +42,7 @@
 #include "ui/map_widget.h"
 #include "ui/move_dialogs.h"
 #include "ui/selection_actions.h"
+#include "ui/table_windows.h"
 #include "ui/tool_icons.h"
 #include "view/map_toolbar.h"
 #include "view/map_tools.h"
@@ -109,6 +110,7 @@ MainWindow::MainWindow(Session& s, QtHost& host, QWidget* parent)
   statusBar()->addWidget(txtFunc_, 1);
   statusBar()->addPermanentWidget(progBar_);
 
+  tables_ = new TableWindows(s_, host_, this);
   BuildToolbar();
   BuildMenus();
 
@@ -135,6 +137,17 @@ MainWindow::MainWindow(Session& s, QtHost& host, QWidget* parent)
     if (auto* r = qobject_cast<RotateAngleDialog*>(rotate_.data())) r->Fill();
     SyncUi();
   });
+  connect(map_, &MapWidget::Edited, tables_, &TableWindows::EditHitChanged);
+  connect(map_, &MapWidget::FeaturePicked, this, [this](int tool, int x, int y) {
+    if (tool == kToolIdentify) tables_->Identify(x, y);
+    if (tool == kToolHyperLink) tables_->HyperLink(x, y);
+  });
+  connect(tables_, &TableWindows::PropertiesRequested, this, [this](int n) {
+    s_.ActiveLyr = n;
+    ShowProps();
+  });
+  connect(list_, &QListWidget::itemDoubleClicked, this,
+          [this](QListWidgetItem* it) { tables_->OpenTable(list_->row(it) + 1); });
   connect(map_, &MapWidget::DialogRequested, this, &MainWindow::OpenMoveDialog);
   connect(map_, &MapWidget::SelectionRequested, this,
           [this](const QString& name) { RunSelection(FromQ(name)); });
@@ -193,6 +206,8 @@ void MainWindow::BuildToolbar() {
   editFeature->setIcon(MakeToolIcon(ToolIcon::EditFeature));
   QAction* createFeature = ToolAction("Create Feature", "CreateFeature", kToolCreateFeature);
   createFeature->setIcon(MakeToolIcon(ToolIcon::CreateFeature));
+  QAction* identify = ToolAction("Identify", "Identify", kToolIdentify);
+  QAction* hyperLink = ToolAction("HyperLink", "HyperLink", kToolHyperLink);
   actPrev_ = new QAction("Zoom Previous", this);
   actPrev_->setObjectName("ZoomPrevious");
   actPrev_->setIcon(MakeToolIcon(ToolIcon::ZoomPrevious));
@@ -245,6 +260,8 @@ void MainWindow::BuildToolbar() {
   tb->addSeparator();
   tb->addAction(editFeature);
   tb->addAction(createFeature);
+  tb->addAction(identify);
+  tb->addAction(hyperLink);
   tb->addSeparator();
   tb->addAction(actPrev_);
   tb->addAction(actNext_);
@@ -319,6 +336,10 @@ void MainWindow::BuildMenus() {
 
   QMenu* tools = menuBar()->addMenu("&Tools");
   tools->addAction(findChild<QAction*>("mnuTerminateAll"));
+  tools->addAction("Edit Feature Data", this, [this] {
+    const HitRec& h = s_.Edit.EditHit;
+    tables_->ShowEditFeature(h.HitKind ? h.HitLyr : 0, h.HitKind ? h.HitFeature : 0);
+  });
   tools->addSeparator();
   tools->addAction("Coordinates...", this, [this] {
     if (!coords_) {
@@ -388,6 +409,9 @@ void MainWindow::FillLayerMenu(QMenu* m) {
     for (int n : Selected()) ValidateLyrBoundaries(s_, n);
   });
   add("Properties...", "mnuProperties", [this] { ShowProps(); });
+  add("Open Attribute Table", "mnuOpenAttributeTable", [this] {
+    for (int n : Selected()) tables_->OpenTable(n);
+  });
   sep();
   add("Move Up", "mnuMoveUp", [this] { MoveUp(); });
   add("Move Down", "mnuMoveDown", [this] { MoveDown(); });

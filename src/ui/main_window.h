@@ -18,6 +18,7 @@ namespace velmora {
 
 class LayerListWidget;
 class MapWidget;
+class TableWindows;
 
 // The main window: the layer list on the left, the map surface (EditPic) in the centre,
 // the command bar below, the status text, progress bar and txtFunc in the status bar, and
@@ -41,6 +42,7 @@ public:
 
   MapWidget* Map() const { return map_; }
   LayerListWidget* LayerList() const { return list_; }
+  TableWindows* Tables() const { return tables_; }
 
 protected:
   void closeEvent(QCloseEvent* e) override;
@@ -88,6 +90,7 @@ private:
   QMenu* scaleMenu_ = nullptr;
   QList<QAction*> lyrActions_; // need a layer
   QPointer<QWidget> props_, coords_, convert_;
+  TableWindows* tables_ = nullptr;             // data tables, Edit Feature, Identify
   QPointer<QWidget> move_, rotate_, settings_; // frmMove, frmRotateAngle, frmMoveSettings
 };
 

@@ -236,6 +236,10 @@ void MapWidget::mouseMoveEvent(QMouseEvent* e) {
 void MapWidget::mouseReleaseEvent(QMouseEvent* e) {
   if (drag_ == Drag::None) {
     const QPoint at = e->position().toPoint();
+    const int tool = s_.MapView.MapTool;
+    if (s_.LyrCount > 0 && (tool == kToolIdentify || tool == kToolHyperLink) &&
+        e->button() == Qt::LeftButton)
+      emit FeaturePicked(tool, at.x(), at.y());
     if (s_.LyrCount > 0 && EditorTool(s_.MapView.MapTool) && e->button() == Qt::LeftButton) {
       const bool box = s_.MapView.MapTool == kToolSelectBox && s_.Edit.MouseDown;
       EditPicUp(s_, *this, kLeftButton, KeysOf(e->modifiers()), at.x(), at.y());

@@ -57,6 +57,8 @@ signals:
   // An entry of the selection popup (mnuSelection), run by the window on the active layer.
   void SelectionRequested(const QString& name);
   void Edited();
+  // A click of tool 8 (Identify) or 9 (HyperLink) at pixel (x, y).
+  void FeaturePicked(int tool, int x, int y);
 
 protected:
   void paintEvent(QPaintEvent* e) override;

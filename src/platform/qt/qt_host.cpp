@@ -3,13 +3,19 @@
 #include "platform/gdal/gdal_picture.h"
 
 #include <QApplication>
+#include <QClipboard>
 #include <QCoreApplication>
 #include <QDesktopServices>
+#include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QGuiApplication>
 #include <QImageReader>
 #include <QMessageBox>
+#include <QPrintDialog>
+#include <QPrinter>
 #include <QProcess>
+#include <QTextDocument>
 #include <QUrl>
 
 namespace velmora {
@@ -107,6 +113,52 @@ std::string QtHost::SaveFileDialog(const std::string& title, const std::string& 
                                    const std::string& defaultName) {
   return FromQ(
       QFileDialog::getSaveFileName(window_.data(), ToQ(title), ToQ(defaultName), QtFilter(filter)));
+}
+
+} // namespace velmora
+
+namespace velmora {
+
+std::string QtHost::ClipboardText() {
+  QClipboard* c = QGuiApplication::clipboard();
+  return c ? FromQ(c->text()) : std::string();
+}
+
+void QtHost::SetClipboardText(const std::string& text) {
+  if (QClipboard* c = QGuiApplication::clipboard()) c->setText(ToQ(text));
+}
+
+bool QtHost::PrintTable(const std::string& title, const std::vector<std::string>& lines) {
+  QString html = "<h3>" + ToQ(title).toHtmlEscaped() +
+                 "</h3><table border=1 cellspacing=0 "
+                 "cellpadding=2>";
+  for (size_t i = 0; i < lines.size(); ++i) {
+    html += "<tr>";
+    for (const QString& c : ToQ(lines[i]).split('\t'))
+      html += (i == 0 ? "<th>" : "<td>") + c.toHtmlEscaped() + (i == 0 ? "</th>" : "</td>");
+    html += "</tr>";
+  }
+  html += "</table>";
+  QTextDocument doc;
+  doc.setHtml(html);
+  QPrinter printer(QPrinter::HighResolution);
+  // Without a screen (offscreen) or when a file is asked for, the page goes to a PDF.
+  const bool toFile = !printFile.empty() || QGuiApplication::platformName() == "offscreen";
+  if (toFile) {
+    if (printFile.empty())
+      printFile = FromQ(QDir::temp().filePath(ToQ(title).trimmed().replace(' ', '_') + ".pdf"));
+    printer.setOutputFormat(QPrinter::PdfFormat);
+    printer.setOutputFileName(ToQ(printFile));
+  } else {
+    QPrintDialog dlg(&printer, window_);
+    if (dlg.exec() != QDialog::Accepted) return false;
+  }
+  doc.print(&printer);
+  return true;
+}
+
+bool QtHost::OpenWith(const std::string& program, const std::string& path) {
+  return QProcess::startDetached(ToQ(program), {ToQ(path)});
 }
 
 } // namespace velmora

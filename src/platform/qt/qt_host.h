@@ -51,6 +51,13 @@ public:
   std::string SaveFileDialog(const std::string& title, const std::string& filter,
                              const std::string& defaultName) override;
   void TableDataChanged(int lyr) override { emit tableDataChanged(lyr); }
+  std::string ClipboardText() override;
+  void SetClipboardText(const std::string& text) override;
+  bool PrintTable(const std::string& title, const std::vector<std::string>& lines) override;
+  void TableFieldsChanged(int lyr) override { emit tableFieldsChanged(lyr); }
+  void FlushTable(int lyr) override { emit tableFlushRequested(lyr); }
+  void CloseTable(int lyr) override { emit tableClosed(lyr); }
+  bool OpenWith(const std::string& program, const std::string& path) override;
   Canvas* MapBuf() override { return mapBuf ? mapBuf() : nullptr; }
   void MapShow() override {
     if (mapShow) mapShow();
@@ -61,6 +68,9 @@ public:
   std::function<Canvas*()> mapBuf;
   std::function<void()> mapShow;
   QtImageIO images;
+  // Where PrintTable writes its PDF when set, instead of asking for a printer (and where it
+  // wrote the last one).
+  std::string printFile;
 
 signals:
   void logAppended(const QString& msg);
@@ -71,6 +81,9 @@ signals:
   void mapRedrawRequested();
   void tableBlocked(int lyr, bool blocked);
   void tableDataChanged(int lyr);
+  void tableFieldsChanged(int lyr);
+  void tableFlushRequested(int lyr); // connected directly: the page is written at once
+  void tableClosed(int lyr);
 
 private:
   QPointer<QWidget> window_;
