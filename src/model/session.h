@@ -11,6 +11,7 @@
 #include "model/held_lyrs.h"
 #include "model/lyr_table.h"
 #include "model/map_view.h"
+#include "model/surface_types.h"
 #include "model/undo_types.h"
 #include "platform/host.h"
 
@@ -61,6 +62,7 @@ struct Session {
   int32_t LogKeepFrom = 0;
 
   HeldLyrs Held;
+  SurfaceState Surface; // the arrays of the TIN and contour functions
 
   // Error channels of the stores, read right after a call.
   int16_t ShpErr = 0;
