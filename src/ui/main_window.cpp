@@ -33,12 +33,14 @@
 #include "session/start_session.h"
 #include "session/undo.h"
 #include "store/shp_store.h"
+#include "ui/contour_dialog.h"
 #include "ui/coords_convert_dialog.h"
 #include "ui/coords_dialog.h"
 #include "ui/layer_list_widget.h"
 #include "ui/layer_props_dialog.h"
 #include "ui/map_widget.h"
 #include "ui/move_dialogs.h"
+#include "ui/tin_dialog.h"
 #include "ui/tool_icons.h"
 #include "view/map_toolbar.h"
 #include "view/map_tools.h"
@@ -327,6 +329,10 @@ void MainWindow::BuildMenus() {
     convert_->show();
     convert_->raise();
   });
+  tools->addSeparator();
+  tools->addAction("Build Tin Surface(s)...", this, [this] { ShowTool<TinDialog>(tin_); });
+  tools->addAction("Contour Surface(s) Analysis...", this,
+                   [this] { ShowTool<ContourDialog>(contour_); });
 }
 
 void MainWindow::FillLayerMenu(QMenu* m) {
