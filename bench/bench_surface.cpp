@@ -14,6 +14,7 @@
 #include <string>
 #include <vector>
 
+#include "surface/contour_cut.h"
 #include "surface/tin_delaunay.h"
 #include "surface/tin_matrix.h"
 #include "surface/tin_points.h"
@@ -101,6 +102,36 @@ int main(int argc, char** argv) {
     double t0 = Now();
     int n = Tin(st, raw, std::atoi(argv[3]));
     std::printf("%.3f %d\n", Now() - t0, n);
+    return 0;
+  }
+  if (argc >= 4 && std::strcmp(argv[1], "--contour") == 0) {
+    // The grid's points in grid order: the matrix TIN, then the contours; with a fifth
+    // argument the lines are written there as "z n x y x y ..." rows.
+    auto raw = ReadPoints(argv[2]);
+    const float interval = float(std::atof(argv[3]));
+    SurfaceState st;
+    std::vector<std::pair<float, std::vector<double>>> lines;
+    double t0 = Now();
+    Tin(st, raw, 2);
+    IndexTriangles(st);
+    for (float z : ContourLevels(st.TinMinZ, st.TinMaxZ, interval, 0)) {
+      CutTriangles(st, z);
+      ChainContours(st, [&](const std::vector<double>& xy) {
+        lines.push_back({z, xy});
+        return true;
+      });
+    }
+    std::printf("%.3f %zu\n", Now() - t0, lines.size());
+    if (argc >= 5) {
+      std::FILE* f = std::fopen(argv[4], "w");
+      if (!f) return 1;
+      for (auto& [z, xy] : lines) {
+        std::fprintf(f, "%.9g %zu", double(z), xy.size() / 2);
+        for (double v : xy) std::fprintf(f, " %.17g", v);
+        std::fprintf(f, "\n");
+      }
+      std::fclose(f);
+    }
     return 0;
   }
   benchmark::Initialize(&argc, argv);

@@ -15,8 +15,10 @@ bool Near(double a, double b) {
 // Points sorted by X, then by number: the candidates j of a point i share its X within
 // 0.005, a run of this order; within one X they stand by number.
 struct ByX {
-  std::vector<int32_t> Order; // point numbers
-  std::vector<int32_t> Pos;   // position of each point in Order
+  std::vector<int32_t> Order;    // point numbers
+  std::vector<int32_t> Pos;      // position of each point in Order
+  std::vector<int32_t> GroupEnd; // per position: one past the last position of its X
+  std::vector<int32_t> GroupBeg; // per position: the first position of its X
 };
 
 } // namespace
@@ -36,20 +38,26 @@ bool MakeMatrix(SurfaceState& st, const TinTick& tick) {
     });
     bx.Pos.resize(size_t(n) + 1);
     for (int k = 0; k < n; ++k) bx.Pos[size_t(bx.Order[size_t(k)])] = k;
+    auto xAt = [&](int k) { return P[size_t(bx.Order[size_t(k)])].X; };
+    bx.GroupBeg.resize(size_t(n));
+    bx.GroupEnd.resize(size_t(n));
+    for (int k = 0; k < n; ++k)
+      bx.GroupBeg[size_t(k)] = k > 0 && xAt(k - 1) == xAt(k) ? bx.GroupBeg[size_t(k - 1)] : k;
+    for (int k = n - 1; k >= 0; --k)
+      bx.GroupEnd[size_t(k)] =
+          k + 1 < n && xAt(k + 1) == xAt(k) ? bx.GroupEnd[size_t(k + 1)] : k + 1;
     for (int i = 1; i <= n - 1; ++i) {
       if (tick && tick(1)) return false;
       const TinPoint &pi = P[size_t(i)], &pi1 = P[size_t(i + 1)];
       if (!Near(pi.Y, pi1.Y)) continue; // no j can make a cell
       // The run of points whose X lies within 0.005 of this one's.
-      int k0 = bx.Pos[size_t(i)], k1 = k0;
-      while (k0 > 0 && Near(P[size_t(bx.Order[size_t(k0 - 1)])].X, pi.X)) --k0;
-      while (k1 + 1 < n && Near(P[size_t(bx.Order[size_t(k1 + 1)])].X, pi.X)) ++k1;
+      int k0 = bx.GroupBeg[size_t(bx.Pos[size_t(i)])], k1 = bx.GroupEnd[size_t(k0)] - 1;
+      while (k0 > 0 && Near(xAt(k0 - 1), pi.X)) k0 = bx.GroupBeg[size_t(k0 - 1)];
+      while (k1 + 1 < n && Near(xAt(k1 + 1), pi.X)) k1 = bx.GroupEnd[size_t(k1 + 1)] - 1;
       int found = 0;
       // Each stretch of equal X is in number order: its first j from i + 2 on is its best.
       for (int k = k0; k <= k1;) {
-        int e = k;
-        const double x = P[size_t(bx.Order[size_t(k)])].X;
-        while (e + 1 <= k1 && P[size_t(bx.Order[size_t(e + 1)])].X == x) ++e;
+        const int e = bx.GroupEnd[size_t(k)] - 1;
         auto first = std::lower_bound(bx.Order.begin() + k, bx.Order.begin() + e + 1, i + 2);
         for (auto it = first; it != bx.Order.begin() + e + 1; ++it) {
           int j = *it;
