@@ -181,5 +181,49 @@ TEST(TinCompare, RaggedGridRows) {
   ExpectSame(g, 1);
 }
 
+TEST(TinCompare, CocircularRingsAndLatticeSubsets) {
+  // Many points on one circle, and integer lattice points with holes: co-circular ties.
+  std::vector<TinPoint> rings;
+  for (int r = 1; r <= 6; ++r)
+    for (int k = 0; k < 60; ++k) {
+      double a = k * 6.283185307179586 / 60;
+      rings.push_back({500 + r * 40 * std::cos(a), 500 + r * 40 * std::sin(a), float(r)});
+    }
+  rings.push_back({500, 500, 0});
+  ExpectSame(rings, 1, 300);
+  std::mt19937 g(9);
+  std::vector<TinPoint> lattice;
+  for (int y = 0; y < 45; ++y)
+    for (int x = 0; x < 45; ++x)
+      if (g() % 3) lattice.push_back({double(x), double(y), float(x ^ y)});
+  std::shuffle(lattice.begin(), lattice.end(), g);
+  ExpectSame(lattice, 1, 1500);
+}
+
+TEST(TinCompare, ClustersAndNearDuplicates) {
+  std::mt19937 g(10);
+  std::normal_distribution<double> n(0, 1);
+  std::vector<TinPoint> pts;
+  for (int c = 0; c < 12; ++c) {
+    double cx = 1000 + 400 * (c % 4), cy = 3000 + 300 * (c / 4);
+    for (int i = 0; i < 150; ++i) {
+      double x = cx + n(g) * (c % 3 == 0 ? 0.2 : 25), y = cy + n(g) * (c % 3 == 0 ? 0.2 : 25);
+      pts.push_back({x, y, float(c)});
+      if (i % 10 == 0) pts.push_back({x + 0.001, y, float(c)});
+    }
+  }
+  ExpectSame(pts, 1, 2000);
+}
+
+TEST(TinCompare, RandomSetsOfManySeeds) {
+  for (uint32_t seed = 20; seed < 32; ++seed) {
+    SCOPED_TRACE(seed);
+    std::mt19937 g(seed);
+    double scale = seed % 3 == 0 ? 1e8 : seed % 3 == 1 ? 1 : 0.5;
+    double x0 = seed % 2 ? 35.1 * scale : 0, y0 = seed % 2 ? 31.9 * scale : 0;
+    ExpectSame(Random(400 + int(g() % 600), x0, y0, 0.01 * scale * 1000, seed), 1);
+  }
+}
+
 } // namespace
 } // namespace velmora
