@@ -44,12 +44,27 @@ int CriteriaOf(const Session& s, size_t i, bool& ok) {
 // Adds the new layer when it was written; its number, or the source's.
 int AddResult(Session& s, int written, const std::string& out, int src) {
   if (written < 0) return src;
-  AddShape(s, ReplaceExt(out, "shp"), false);
-  int n = FindLyrByFile(s, ReplaceExt(out, "shp"));
+  int n = AddSurfaceLayer(s, out);
   return n > 0 ? n : src;
 }
 
 } // namespace
+
+int AddSurfaceLayer(Session& s, const std::string& path) {
+  const std::string shp = ReplaceExt(path, "shp");
+  const int before = s.LyrCount;
+  NewLyrRow(s, shp);
+  if (s.LyrErr || s.LyrCount == before) {
+    LogMsg(s, " *** Add Layer " + shp + " has been canceled *** ");
+    return 0;
+  }
+  s.ActiveLyr = s.LyrCount;
+  s.ProjChanged = -1;
+  s.host->LayerListChanged();
+  s.host->MapRedraw();
+  LogMsg(s, "Add Layer " + shp);
+  return s.LyrCount;
+}
 
 int RunBuildTin(Session& s) {
   const std::string canceled = " *** Build Tin Surface(s) has been canceled *** ";

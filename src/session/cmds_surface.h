@@ -1,4 +1,6 @@
 #pragma once
+#include <string>
+
 #include "model/session.h"
 
 namespace velmora {
@@ -9,5 +11,9 @@ namespace velmora {
 // (the default), 2 the selected, 3 the unselected. The new layer is added to the map.
 int RunBuildTin(Session& s);
 int RunBuildContours(Session& s);
+// Adds the layer a surface function made to the map. Unlike adding a layer by hand it is
+// not held back by the open tool forms, the surface form among them. Its number, 0 when the
+// file couldn't be opened.
+int AddSurfaceLayer(Session& s, const std::string& path);
 
 } // namespace velmora

@@ -17,7 +17,7 @@
 #include "frame/lyr_slots.h"
 #include "model/file_util.h"
 #include "platform/qt/qt_host.h"
-#include "session/layer_life.h"
+#include "session/cmds_surface.h"
 #include "store/dbf_store.h"
 #include "store/shp_bytes.h"
 
@@ -147,7 +147,7 @@ void SurfaceDialog::Build() {
   build_->setEnabled(true);
   terminate_->setEnabled(false);
   if (written >= 0) {
-    AddShape(s_, ReplaceExt(path, "shp"), false);
+    AddSurfaceLayer(s_, path);
     txtFunc_->setText(ToQ(Report(written, FileNameOf(ReplaceExt(path, "shp")))));
   }
   FillLayers();

@@ -244,4 +244,34 @@ TEST_F(SurfaceLayers, TerminateStopsTheBuild) {
   EXPECT_EQ(t.Lyr[1].LyrBusy, 0);
 }
 
+TEST_F(SurfaceLayers, HeightsThatArentFiniteAreTakenAsZero) {
+  std::string py =
+      "from osgeo import ogr\n"
+      "ds = ogr.GetDriverByName('ESRI Shapefile').CreateDataSource('" +
+      dir +
+      "nan.shp')\nl = ds.CreateLayer('p', geom_type=ogr.wkbPoint25D)\n"
+      "for r in range(6):\n  for c in range(6):\n"
+      "    z = 12345.5 if r == 2 else r + c\n"
+      "    g = ogr.Geometry(ogr.wkbPoint25D); g.AddPoint(c * 10.0, r * 10.0, z)\n"
+      "    ft = ogr.Feature(l.GetLayerDefn()); ft.SetGeometry(g); l.CreateFeature(ft)\n"
+      "ds = None\n"
+      // GDAL writes no such heights: they are put into the file's bytes.
+      "import struct, math\nb = open('" +
+      dir +
+      "nan.shp', 'rb').read()\n"
+      "for v in [math.nan, math.inf, -math.inf] * 2:\n"
+      "  b = b[:100] + b[100:].replace(struct.pack('<d', 12345.5), struct.pack('<d', v), 1)\n"
+      "open('" +
+      dir + "nan.shp', 'wb').write(b)\n";
+  test::WriteFile(dir + "make.py", py);
+  int status = -1;
+  test::RunCmd("/usr/bin/python3 '" + dir + "make.py' 2>&1", &status);
+  ASSERT_EQ(status, 0);
+  Exec("BUILD TIN \"" + dir + "nan.shp\" \"" + dir + "t.shp\" 1 Z");
+  EXPECT_TRUE(Logged("6 Point(s) without a finite height have been taken as 0"));
+  EXPECT_TRUE(Logged("50 Tin Surface(s) have been Built Successfully in Layer t.shp"));
+  Exec("BUILD CONTOURS \"" + dir + "nan.shp\" \"" + dir + "c.shp\" 2 Z 1 0");
+  EXPECT_TRUE(Logged(" Countours have been Built Successfully to Layer c.shp"));
+}
+
 } // namespace
