@@ -6,6 +6,7 @@
 #include <queue>
 #include <unordered_map>
 
+#include "edit/move_ops.h"
 #include "surface/point_tree.h"
 #include "surface/tin_geometry.h"
 
@@ -284,21 +285,42 @@ struct Delaunay {
       }
   }
 
+  // The first triple i < j < k, in that order, with a circle that is empty. Most triples
+  // of points on a line fail the angle test of Circumcircle; its flat angles are kept per
+  // point pair here, so that a failing triple costs no arc tangent.
   bool Seed() {
-    for (int i = 1; i <= n - 2; ++i)
-      for (int j = i + 1; j <= n - 1; ++j)
+    std::vector<double> fi(size_t(n) + 1), fj(size_t(n) + 1);
+    auto flat = [&](int from, int to) {
+      return FlatAngle(P[size_t(to)].X - P[size_t(from)].X, P[size_t(to)].Y - P[size_t(from)].Y);
+    };
+    for (int i = 1; i <= n - 2; ++i) {
+      const TinPoint& pi = P[size_t(i)];
+      for (int p = i + 1; p <= n; ++p) fi[size_t(p)] = flat(i, p);
+      for (int j = i + 1; j <= n - 1; ++j) {
+        const TinPoint& pj = P[size_t(j)];
+        const double dxj = pj.X - pi.X, dyj = pj.Y - pi.Y;
+        const double fji = TinFullAngle(dxj, dyj, fi[size_t(j)]);   // j seen from i
+        const double fij = TinFullAngle(-dxj, -dyj, fi[size_t(j)]); // i seen from j
+        for (int p = j + 1; p <= n; ++p) fj[size_t(p)] = flat(j, p);
         for (int k = j + 1; k <= n; ++k) {
+          const TinPoint& pk = P[size_t(k)];
+          const double dxi = pk.X - pi.X, dyi = pk.Y - pi.Y, dxk = pk.X - pj.X, dyk = pk.Y - pj.Y;
+          const bool flatTri = TinZeroAngle(fji, TinFullAngle(dxi, dyi, fi[size_t(k)])) ||
+                               TinZeroAngle(TinFullAngle(dxk, dyk, fj[size_t(k)]), fij) ||
+                               TinZeroAngle(TinFullAngle(-dxi, -dyi, fi[size_t(k)]),
+                                            TinFullAngle(-dxk, -dyk, fj[size_t(k)]));
           TinCircle cc;
-          if (TinCircumcircle(P[size_t(i)], P[size_t(j)], P[size_t(k)], cc) &&
-              EmptyCircle(1, i, j, k, cc)) {
+          if (!flatTri && TinCircumcircle(pi, pj, pk, cc) && EmptyCircle(1, i, j, k, cc)) {
             AddTri(i, j, k);
             return true;
           }
-          if ((++work & 4095) == 0 && tick && tick(0)) {
+          if ((++work & 65535) == 0 && tick && tick(0)) {
             stop = true;
             return false;
           }
         }
+      }
+    }
     return false;
   }
 

@@ -19,6 +19,18 @@ int TinSide(const TinPoint& p, const TinPoint& a, const TinPoint& b) {
   return v > 0 ? 1 : v < 0 ? -1 : 0;
 }
 
+double TinFullAngle(double dx, double dy, double f) {
+  if (dx >= 0 && dy >= 0) return f;
+  if (dx < 0 && dy >= 0) return 180 - f;
+  if (dx < 0) return 180 + f;
+  return 360 - f;
+}
+
+bool TinZeroAngle(double from, double to) {
+  double x = std::fabs(to - from);
+  return (x < 360 - x ? x : 360 - x) <= 0;
+}
+
 namespace {
 double InnerAngle(const TinPoint& p, const TinPoint& a, const TinPoint& b) {
   double x = std::fabs(AngleOf(p.X, p.Y, a.X, a.Y, b.X, b.Y));

@@ -18,6 +18,11 @@ double TinDist(double x1, double y1, double x2, double y2);
 double TinDist2(double x1, double y1, double x2, double y2);
 // Sign (1, 0, -1) of the side of p against the line a-b.
 int TinSide(const TinPoint& p, const TinPoint& a, const TinPoint& b);
+// The direction of (dx, dy) in degrees, 0 .. 360, from its flat angle (FlatAngle), as
+// AngleOf takes it.
+double TinFullAngle(double dx, double dy, double flat);
+// The inner angle between two directions, as Degenerate takes it, is at or below 0.
+bool TinZeroAngle(double from, double to);
 // Any inner angle at or below 0 degrees.
 bool TinDegenerate(const TinPoint& a, const TinPoint& b, const TinPoint& c);
 // False for a degenerate triangle or a circle that isn't finite.

@@ -225,5 +225,19 @@ TEST(TinCompare, RandomSetsOfManySeeds) {
   }
 }
 
+TEST(TinCompare, LinesAtManySlopes) {
+  // Points on one line: the angle test finds no triangle, or rounding lets one through;
+  // either way the product agrees with the plain loops.
+  for (double slope : {0.0, 1.0, 0.7, 1.0 / 3, 2.5}) {
+    SCOPED_TRACE(slope);
+    std::vector<TinPoint> line;
+    for (int i = 0; i < 120; ++i) line.push_back({5 + i * 0.37, 9 + i * 0.37 * slope, float(i)});
+    ExpectSame(line, 1);
+    std::vector<TinPoint> vertical;
+    for (int i = 0; i < 60; ++i) vertical.push_back({5, 9 + i * 0.37 * (slope + 1), float(i)});
+    ExpectSame(vertical, 1);
+  }
+}
+
 } // namespace
 } // namespace velmora
