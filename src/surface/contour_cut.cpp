@@ -70,9 +70,7 @@ void IndexTriangles(SurfaceState& st) {
   st.TinTriIndex.assign(size_t(n) + 1, TriIndex{});
   const int32_t lo = int32_t(std::max(std::nearbyint(st.TinMinZ), -1000000.0));
   const int32_t hi = int32_t(std::min(std::nearbyint(st.TinMaxZ), 1000000.0));
-  if (n == 0 || hi < lo) {
-    // One bucket holds all.
-  }
+  // Heights beyond the bounds (or bounds the wrong way round) go to the end buckets.
   const int32_t b0 = std::min(lo, hi), b1 = std::max(lo, hi);
   std::vector<TriBucket> buckets(size_t(b1 - b0) + 1);
   for (int t = 1; t <= n; ++t) {
