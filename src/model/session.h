@@ -14,6 +14,7 @@
 #include "model/map_view.h"
 #include "model/query_types.h"
 #include "model/table_types.h"
+#include "model/surface_types.h"
 #include "model/undo_types.h"
 #include "platform/host.h"
 
@@ -67,6 +68,7 @@ struct Session {
   int32_t LogKeepFrom = 0;
 
   HeldLyrs Held;
+  SurfaceState Surface; // the arrays of the TIN and contour functions
 
   // Error channels of the stores, read right after a call.
   int16_t ShpErr = 0;

@@ -10,6 +10,7 @@
 #include "session/cmds_select.h"
 #include "session/cmds_location.h"
 #include "session/cmds_table.h"
+#include "session/cmds_surface.h"
 #include "session/layer_life.h"
 
 namespace velmora {
@@ -42,7 +43,10 @@ const WordCmd kWordCmds[] = {
     {"DELETE", "FIELD", RunDeleteFieldCmd},   {"RENAME", "FIELD", RunRenameFieldCmd},
     {"CHANGE", "FIELD", RunChangeFieldCmd},   {"SORT", "ROWS", RunSortRowsCmd},
     {"UNSORT", "ROWS", RunUnsortRowsCmd},     {"CONVERT", "UTF8", RunConvertUtf8Cmd},
-    {"CONVERT", "ASCII", RunConvertAsciiCmd}, {nullptr, nullptr, nullptr},
+    {"CONVERT", "ASCII", RunConvertAsciiCmd},
+    {"BUILD", "TIN", RunBuildTin},
+    {"BUILD", "CONTOURS", RunBuildContours},
+    {nullptr, nullptr, nullptr},
 };
 
 std::string StripQuotes(const std::string& t) {

@@ -33,6 +33,7 @@
 #include "session/start_session.h"
 #include "session/undo.h"
 #include "store/shp_store.h"
+#include "ui/contour_dialog.h"
 #include "ui/coords_convert_dialog.h"
 #include "ui/coords_dialog.h"
 #include "ui/find_data_dialog.h"
@@ -43,6 +44,7 @@
 #include "ui/move_dialogs.h"
 #include "ui/selection_actions.h"
 #include "ui/table_windows.h"
+#include "ui/tin_dialog.h"
 #include "ui/tool_icons.h"
 #include "view/map_toolbar.h"
 #include "view/map_tools.h"
@@ -370,6 +372,10 @@ void MainWindow::BuildMenus() {
     convert_->show();
     convert_->raise();
   });
+  tools->addSeparator();
+  tools->addAction("Build Tin Surface(s)...", this, [this] { ShowTool<TinDialog>(tin_); });
+  tools->addAction("Contour Surface(s) Analysis...", this,
+                   [this] { ShowTool<ContourDialog>(contour_); });
 }
 
 void MainWindow::FillLayerMenu(QMenu* m) {

@@ -91,6 +91,17 @@ private:
   QList<QAction*> lyrActions_; // need a layer
   QPointer<QWidget> props_, coords_, convert_;
   TableWindows* tables_ = nullptr;             // data tables, Edit Feature, Identify
+  QPointer<QWidget> tin_, contour_; // the surface forms
+  // Shows the single form of a tool, making it on first use.
+  template <typename D> void ShowTool(QPointer<QWidget>& held) {
+    if (!held) {
+      auto* d = new D(s_, this);
+      d->setAttribute(Qt::WA_DeleteOnClose);
+      held = d;
+    }
+    held->show();
+    held->raise();
+  }
   QPointer<QWidget> move_, rotate_, settings_; // frmMove, frmRotateAngle, frmMoveSettings
 };
 
