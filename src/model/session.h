@@ -11,6 +11,7 @@
 #include "model/held_lyrs.h"
 #include "model/lyr_table.h"
 #include "model/map_view.h"
+#include "model/net_types.h"
 #include "model/undo_types.h"
 #include "platform/host.h"
 
@@ -50,6 +51,7 @@ struct Session {
   bool UndoOn = false, RedoOn = false; // the undo and redo buttons and menu items
 
   EditVars Edit; // the map editor: hit slots, drag, drawing, movement settings
+  NetVars Net;   // shortest path: the stops and the network dialogs
 
   std::vector<ViewHistEntry> ViewHist;
   int32_t ViewPos = 0, ViewCount = 0;
