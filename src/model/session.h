@@ -9,6 +9,7 @@
 #include "model/datum_types.h"
 #include "model/edit_types.h"
 #include "model/held_lyrs.h"
+#include "model/location_types.h"
 #include "model/lyr_table.h"
 #include "model/map_view.h"
 #include "model/net_types.h"
@@ -50,8 +51,9 @@ struct Session {
   int32_t UndoPos = 0, UndoCount = 0;
   bool UndoOn = false, RedoOn = false; // the undo and redo buttons and menu items
 
-  EditVars Edit; // the map editor: hit slots, drag, drawing, movement settings
-  NetVars Net;   // shortest path: the stops and the network dialogs
+  EditVars Edit;    // the map editor: hit slots, drag, drawing, movement settings
+  LocationVars Loc; // find by location: the last crossing, the raster mask
+  NetVars Net;      // shortest path: the stops and the network dialogs
 
   std::vector<ViewHistEntry> ViewHist;
   int32_t ViewPos = 0, ViewCount = 0;
