@@ -52,9 +52,9 @@ struct NetVars {
   std::array<NetLink, 3> NetStops{}; // 1 From, 2 To
   int16_t NetStopIdx = 1;
   int32_t NetPickLyr = 0;
-  int32_t NetLyr = 0;     // the layer of the shortest-path dialog, 0 when it is closed
-  bool NetExact = false;  // "Exact shortest path": the least-cost search instead of the bounded one
-  uint8_t ToolBefore = 0; // the map tool to go back to when the dialog closes
+  int32_t NetLyr = 0;    // the layer of the shortest-path dialog, 0 when it is closed
+  bool NetExact = false; // "Exact shortest path": the least-cost search instead of the bounded one
+  int ToolBefore = 0;    // the map tool to go back to when the dialog closes
   bool NetDialogOpen = false, BuildDialogOpen = false;
 };
 

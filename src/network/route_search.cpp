@@ -80,6 +80,7 @@ private:
   const ShpBlock* shp_ = nullptr;
   NetNodeTable* nodes_ = nullptr;
   bool stop_ = false;
+  bool endless_ = false; // the pass repeats one level without end
   long long backSteps_ = 0;
   std::chrono::steady_clock::time_point last_;
 
@@ -280,6 +281,15 @@ private:
       }
     }
     SkipForward(L);
+    // Following the To stop of a line just arrived at pushes that line again; when its
+    // stretch from the stop to itself has length 0 the new level is the old one over
+    // again, without end. The walk would only stop at the question of depth 999, where
+    // "No" ends the pass with the route found; so it ends here, with the same route and
+    // the same memo.
+    if (depth_ >= 2 && L.Node == P.Node && L.Cursor == 0) {
+      const Cand& was = P.C[size_t(P.Cursor)];
+      if (L.C[0].Cost == was.Cost && L.C[0].ToGoal == was.ToGoal) endless_ = true;
+    }
   }
 
   void RecordMemo(const RouteLevel& L) {
@@ -332,6 +342,10 @@ private:
     for (;;) {
       if (depth_ == 0) return EraseLevels();
       Extend(B);
+      if (endless_) {
+        endless_ = false;
+        return EraseLevels();
+      }
       while (Level(depth_).Cursor > Level(depth_).LinkUB && depth_ != 0) {
         RecordMemo(Level(depth_));
         PopLevel();

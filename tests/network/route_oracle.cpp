@@ -5,6 +5,8 @@
 
 #include "model/file_util.h"
 #include "model/val.h"
+#include "network/net_files.h"
+#include "query/spatial.h"
 #include "store/dbf_store.h"
 
 namespace velmora::test {
@@ -308,6 +310,8 @@ struct Oracle {
         T.Cursor++;
         SkipForward(T);
       }
+      // The question at depth 999, answered "No": the pass ends.
+      if (Depth % 1000 == 999) return;
     }
   }
 };
@@ -342,6 +346,39 @@ OracleRoute OracleSearch(Session& s, int lyr, std::vector<OracleNode>& nodes, Ne
   }
   o.out.Found = o.Found;
   return o.out;
+}
+
+void OracleBuild(Session& s, int lyr, double tol, std::string& net, std::string& ntx) {
+  net.clear();
+  ntx.clear();
+  const std::vector<ShpRecord>& recs = s.Lyr[lyr].Shp.ShpRecs;
+  const int count = s.Lyr[lyr].Shp.RecCount;
+  int R = 0, C = 0;
+  for (int i = 1; i <= count; ++i) {
+    const ShpRecord& a = recs[size_t(i)];
+    const size_t row = ntx.size();
+    AppendNtxRow(ntx, R * 24, 0);
+    for (int j = 1; j <= count; ++j) {
+      const ShpRecord& b = recs[size_t(j)];
+      if (!(a.Xmax + tol >= b.Xmin && a.Ymin - tol <= b.Ymax && a.Xmin - tol <= b.Xmax &&
+            a.Ymax + tol >= b.Ymin))
+        continue;
+      if (b.ShapeType == 0 || j == i) continue;
+      for (int p = 0; p < b.NumParts; ++p) {
+        const ShpPart& part = b.Part(p);
+        for (int k = 1; k < part.PartCount; ++k) {
+          CrossResult x;
+          if (FeatureCrossSeg(s, lyr, i, part.PartPoints()[size_t(k - 1)],
+                              part.PartPoints()[size_t(k)], &x, tol, 0, 0)) {
+            AppendNetLink(net, {j, x.CrossX, x.CrossY, x.HitVertex + 1});
+            R++, C++;
+          }
+        }
+      }
+    }
+    std::memcpy(ntx.data() + row + 4, &C, 4);
+    C = 0;
+  }
 }
 
 } // namespace velmora::test
