@@ -47,6 +47,7 @@ protected:
 
 private:
   void BuildMenus();
+  void AddNetworkMenus(QMenu* tools);
   void BuildToolbar();
   QAction* ToolAction(const QString& text, const QString& name, int tool);
   void FillLayerMenu(QMenu* m);
@@ -86,6 +87,7 @@ private:
   QList<QAction*> lyrActions_; // need a layer
   QPointer<QWidget> props_, coords_, convert_;
   QPointer<QWidget> move_, rotate_, settings_; // frmMove, frmRotateAngle, frmMoveSettings
+  QPointer<QWidget> buildNet_, net_;           // FrmBuildNet, frmNet
 };
 
 } // namespace velmora

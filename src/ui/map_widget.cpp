@@ -117,6 +117,7 @@ void MapWidget::SetToolCursor(int tool) {
   case kToolZoomOut:
   case kToolMeasure:
   case kToolCreateFeature:
+  case kToolRouteStop:
     setCursor(Qt::CrossCursor);
     break;
   case kToolPan:
@@ -226,6 +227,8 @@ void MapWidget::mouseMoveEvent(QMouseEvent* e) {
 void MapWidget::mouseReleaseEvent(QMouseEvent* e) {
   if (drag_ == Drag::None) {
     const QPoint at = e->position().toPoint();
+    if (s_.MapView.MapTool == kToolRouteStop && e->button() == Qt::LeftButton)
+      emit RouteStopClicked(at.x(), at.y());
     if (s_.LyrCount > 0 && EditorTool(s_.MapView.MapTool) && e->button() == Qt::LeftButton) {
       EditPicUp(s_, *this, kLeftButton, KeysOf(e->modifiers()), at.x(), at.y());
       emit Edited();

@@ -55,6 +55,8 @@ signals:
   // mnuFullExtent, mnuZoomPrevious, mnuZoomNext of the popups; an edit changed the session.
   void ViewCommandRequested(const QString& name);
   void Edited();
+  // A click of tool 16 (a stop of the shortest path) at pixel (x, y).
+  void RouteStopClicked(int x, int y);
 
 protected:
   void paintEvent(QPaintEvent* e) override;
