@@ -5,6 +5,7 @@
 #include "network/build_net.h"
 #include "network/net_files.h"
 #include "network/route_run.h"
+#include "network/route_search.h"
 #include "network/route_stops.h"
 #include "session/word_cmds.h"
 
@@ -55,6 +56,14 @@ int CmdShortestPath(Session& s) {
   for (const NetRoute& r : net.NetRoutes) list += " " + std::to_string(r.RouteFeature);
   LogMsg(s, list);
   return lyr;
+}
+
+int CmdClearShortestPath(Session& s) {
+  if (WordCmdWord(s, 2) != "PATH") return 0;
+  ClearShortestPath(s);
+  LogMsg(s, "Clear Shortest Path");
+  s.host->MapRedraw();
+  return 0;
 }
 
 } // namespace velmora

@@ -7,5 +7,7 @@ namespace velmora {
 int CmdBuildNetwork(Session& s);
 // SHORTEST PATH <path> <fromX> <fromY> <toX> <toY> [EXACT]
 int CmdShortestPath(Session& s);
+// CLEAR SHORTEST PATH: the routes of every layer.
+int CmdClearShortestPath(Session& s);
 
 } // namespace velmora

@@ -18,6 +18,7 @@ namespace {
 const WordCmd kWordCmds[] = {
     {"BUILD", "NETWORK", CmdBuildNetwork},
     {"SHORTEST", "PATH", CmdShortestPath},
+    {"CLEAR", "SHORTEST", CmdClearShortestPath},
     {nullptr, nullptr, nullptr},
 };
 

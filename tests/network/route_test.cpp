@@ -211,6 +211,9 @@ TEST(RouteCommands, BuildAndSearchByCommand) {
   EXPECT_EQ(f.host.logged[n - 1].rfind("Shortest Path Features = ", 0), 0u);
   exec("SHORTEST PATH \"" + shp + "\" 50 0 450 500 EXACT");
   EXPECT_EQ(f.host.logged[f.host.logged.size() - 2], "Shortest Path Length = 900");
+  exec("CLEAR SHORTEST PATH");
+  EXPECT_EQ(f.host.logged.back(), "Clear Shortest Path");
+  EXPECT_TRUE(f.s.Lyr[lyr].Net.NetRoutes.empty());
   // No line at a point: refused with the reason.
   exec("SHORTEST PATH \"" + shp + "\" 50 50 450 500");
   EXPECT_EQ(f.host.logged.back(), " *** no line of the layer at From *** ");
