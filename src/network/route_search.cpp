@@ -21,6 +21,7 @@ namespace {
 struct Cand {
   NetLink Link;
   double ToGoal = 0, Cost = 0;
+  int64_t Slot = -1; // the memo slot of (this line, the line reached); -1 for a stop
 };
 
 // One line on the current route. Levels are kept and reused across pushes, so their
@@ -32,7 +33,8 @@ struct RouteLevel {
 };
 
 struct MemoEntry {
-  double Cost, Factor;
+  double Cost = 0, Factor = 0;
+  bool Used = false;
 };
 
 constexpr double kFactorStart = 0.001, kFactorStep = 1.01, kFactorEnd = 999999999.0;
@@ -44,12 +46,14 @@ public:
     Refresh();
     const size_t n = size_t(nodes_->NetNodeUB) + 1;
     onRoute_.assign(n, 0);
+    MemoSlots();
     firstLevel_.assign(n, 0);
     last_ = std::chrono::steady_clock::now();
   }
 
   bool Run() {
-    memo_.clear();
+    for (int64_t k : memoUsed_) memo_[size_t(k)] = MemoEntry{};
+    memoUsed_.clear();
     Steps = 0;
     Factor = kFactorStart;
     Found = false;
@@ -75,8 +79,14 @@ private:
   const NetLink A_, B_;
   std::vector<RouteLevel> levels_;
   int depth_ = 0;
-  std::unordered_map<uint64_t, MemoEntry> memo_; // (line, line reached from it)
-  std::vector<int32_t> onRoute_, firstLevel_;    // per line: levels holding it, the lowest
+  // The memo: one entry for each line and line reached from it, kept at the first link
+  // of the line's list that reaches that line. Only links of a line's own list are ever
+  // looked up; the To stop that an arrival adds (the line itself) is written there and
+  // never read, so it needs no entry.
+  std::vector<MemoEntry> memo_;
+  std::vector<int64_t> slot_, memoUsed_;
+  std::vector<uint8_t> onRoute_;    // per line: levels holding it (a line is there twice at most)
+  std::vector<int32_t> firstLevel_; // and the lowest of them
   const ShpBlock* shp_ = nullptr;
   NetNodeTable* nodes_ = nullptr;
   bool stop_ = false;
@@ -109,7 +119,29 @@ private:
     return YieldNow(0);
   }
 
-  static uint64_t Key(int node, int to) { return (uint64_t(uint32_t(node)) << 32) | uint32_t(to); }
+  void MemoSlots() {
+    const NetNodeTable& t = *nodes_;
+    slot_.resize(t.Links.size());
+    memo_.assign(t.Links.size(), MemoEntry{});
+    std::unordered_map<int, int64_t> first;
+    for (int n = 1; n <= t.NetNodeUB; ++n) {
+      const int64_t b = t.First[size_t(n)], e = t.First[size_t(n) + 1];
+      if (e - b > 16) first.clear();
+      for (int64_t k = b; k < e; ++k) {
+        const int f = t.Links[size_t(k)].LinkFeature;
+        slot_[size_t(k)] = k;
+        if (e - b > 16) {
+          slot_[size_t(k)] = first.try_emplace(f, k).first->second;
+          continue;
+        }
+        for (int64_t q = b; q < k; ++q)
+          if (t.Links[size_t(q)].LinkFeature == f) {
+            slot_[size_t(k)] = q;
+            break;
+          }
+      }
+    }
+  }
 
   RouteLevel& Level(int d) { return levels_[size_t(d)]; }
 
@@ -194,7 +226,7 @@ private:
         if (firstLevel_[size_t(f)] == depth_ - 1) L.EntryVertex = src[k].LinkVertex;
         continue;
       }
-      L.C.push_back(Cand{src[k], 0, 0});
+      L.C.push_back(Cand{src[k], 0, 0, slot_[size_t(nodes_->First[size_t(L.Node)] + k)]});
     }
     // MeasureLinks.
     for (Cand& c : L.C) {
@@ -211,14 +243,13 @@ private:
     }
     // PruneByMemo: each line holds at most one memo entry a target.
     L.Cursor = 0;
-    if (!memo_.empty()) {
+    if (!memoUsed_.empty()) {
       size_t w = 0;
       for (size_t r = 0; r < L.C.size(); ++r) {
         const Cand& k = L.C[r];
         bool drop = false;
-        auto it = memo_.find(Key(L.Node, k.Link.LinkFeature));
-        if (it != memo_.end()) {
-          const MemoEntry& m = it->second;
+        const MemoEntry& m = memo_[size_t(k.Slot)];
+        if (m.Used) {
           if (m.Factor != Factor && m.Cost < k.Cost)
             drop = true;
           else if (m.Factor == Factor && m.Cost <= k.Cost)
@@ -303,11 +334,14 @@ private:
         nodes_->Seen[n] = 1;
         nodes_->Remaining[n] = left;
       }
-      auto [it, fresh] =
-          memo_.try_emplace(Key(L.Node, k.Link.LinkFeature), MemoEntry{k.Cost, Factor});
-      if (!fresh) {
-        it->second.Factor = Factor;
-        if (it->second.Cost > k.Cost) it->second.Cost = k.Cost;
+      if (k.Slot < 0) continue;
+      MemoEntry& m = memo_[size_t(k.Slot)];
+      if (m.Used) {
+        m.Factor = Factor;
+        if (m.Cost > k.Cost) m.Cost = k.Cost;
+      } else {
+        m = MemoEntry{k.Cost, Factor, true};
+        memoUsed_.push_back(k.Slot);
       }
     }
   }

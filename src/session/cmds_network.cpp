@@ -1,5 +1,6 @@
 #include "session/cmds_network.h"
 
+#include "frame/busy.h"
 #include "frame/log.h"
 #include "frame/refusal_log.h"
 #include "network/build_net.h"
@@ -38,6 +39,7 @@ int CmdShortestPath(Session& s) {
     LogCanceled(s, what, "unknown option " + s.ArgStr[7]);
     return 0;
   }
+  if (LyrIsBusyMsg(s, lyr)) return lyr;
   // The layer picked in the dialog keeps what the last searches learnt; any other is
   // loaded afresh, as picking it in the dialog would.
   if (s.Net.NetLyr != lyr) LoadNet(s, lyr);

@@ -116,7 +116,7 @@ void NetDialog::LayerChanged() {
   for (int i = 1; i <= 4; ++i) cmd_[i]->setEnabled(usable);
   s_.Net.NetLyr = usable ? n : 0;
   if (!usable) return;
-  LoadNet(s_, n);
+  if (!LyrIsBusy(s_, n)) LoadNet(s_, n); // a running search holds the network it has
   s_.Net.NetStops = {};
   for (int i = 1; i <= 2; ++i) {
     txtX_[i]->clear();
