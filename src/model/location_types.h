@@ -1,7 +1,5 @@
 #pragma once
 #include <cstdint>
-#include <memory>
-#include <string>
 #include <vector>
 
 namespace velmora {

@@ -103,8 +103,8 @@ bool FeaturesIntersect(const Session& s, int a, int fa, int b, int fb, CrossResu
   const ShpRecord* ra = Feat(s, a, fa);
   const ShpRecord* rb = Feat(s, b, fb);
   if (!ra || !rb || !HasVertex(*ra) || !HasVertex(*rb)) return false;
-  if (a == b && fa == fb) return true;
   if (!BoxesMeet(*ra, *rb, tol)) return false;
+  if (a == b && fa == fb) return true;
   if (TouchWith(s, a, fa, *ra, b, fb, details, tol)) return true;
   // b's vertices against a find b wholly inside polygon a, or b's points on a's segments.
   if (!HasSegments(FamilyOf(ra->ShapeType))) return false;

@@ -7,6 +7,7 @@
 #include "model/companion_file.h"
 #include "model/file_util.h"
 #include "model/val.h"
+#include "session/cmds_location.h"
 #include "session/cmds_network.h"
 #include "session/layer_life.h"
 
@@ -16,6 +17,7 @@ namespace {
 
 // One row per command; areas add theirs here.
 const WordCmd kWordCmds[] = {
+    {"FIND", "LOCATION", RunFindLocationCmd},
     {"BUILD", "NETWORK", CmdBuildNetwork},
     {"SHORTEST", "PATH", CmdShortestPath},
     {"CLEAR", "SHORTEST", CmdClearShortestPath},

@@ -40,6 +40,7 @@
 #include "ui/coords_dialog.h"
 #include "ui/layer_list_widget.h"
 #include "ui/layer_props_dialog.h"
+#include "ui/location_dialog.h"
 #include "ui/map_widget.h"
 #include "ui/move_dialogs.h"
 #include "ui/net_dialog.h"
@@ -321,6 +322,16 @@ void MainWindow::BuildMenus() {
     coords_->show();
     coords_->raise();
   });
+  QAction* geoXY = tools->addAction("Find and Data Transfer by Location...", this, [this] {
+    auto* d = findChild<LocationDialog*>();
+    if (!d) {
+      d = new LocationDialog(s_, this);
+      d->setAttribute(Qt::WA_DeleteOnClose);
+    }
+    d->show();
+    d->raise();
+  });
+  geoXY->setObjectName("mnuGeoXY");
   tools->addAction("Convert Vector and Raster Layer Coordinates System...", this, [this] {
     if (!convert_) {
       auto* d = new CoordsConvertDialog(s_, this);
