@@ -218,3 +218,35 @@ TEST(RouteCommands, BuildAndSearchByCommand) {
   exec("SHORTEST PATH \"" + shp + "\" 50 50 450 500");
   EXPECT_EQ(f.host.logged.back(), " *** no line of the layer at From *** ");
 }
+
+namespace {
+
+// Sets the terminate flag of the layer at every yield of the search.
+struct StopHost : RecordingHost {
+  Session* s = nullptr;
+  int lyr = 0;
+  void Yield() override {
+    if (s && s->Lyr[lyr].LyrBusy) s->Lyr[lyr].LyrTerminate = -1;
+  }
+};
+
+} // namespace
+
+TEST(RouteSearch, TerminateStopsTheSearchAndLogsTheCancel) {
+  StopHost host;
+  Session s{host};
+  s.MapView.MapTarget = 1;
+  const std::string dir = TempDir("route stop");
+  const std::string shp = GdalLayer(dir, "g", GridWkts(6, 100, true), "-lco SHPT=ARC");
+  ASSERT_FALSE(shp.empty());
+  AddShape(s, shp, false);
+  const int lyr = FindLyrByFile(s, shp);
+  ASSERT_TRUE(BuildNet(s, lyr, 0));
+  s.Net.NetStops[1] = StopOn(s, lyr, 1, 1);
+  s.Net.NetStops[2] = StopOn(s, lyr, s.Lyr[lyr].Shp.RecCount, 1);
+  host.s = &s, host.lyr = lyr;
+  EXPECT_EQ(RunRoute(s, lyr, false), RouteStatus::Canceled);
+  EXPECT_EQ(host.logged.back(), " *** Get Shortest Path in Layer g.shp has been canceled *** ");
+  EXPECT_EQ(s.Lyr[lyr].LyrBusy, 0);
+  EXPECT_TRUE(s.Lyr[lyr].Net.NetRoutes.empty());
+}
