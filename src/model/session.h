@@ -15,6 +15,7 @@
 #include "model/query_types.h"
 #include "model/table_types.h"
 #include "model/surface_types.h"
+#include "model/net_types.h"
 #include "model/undo_types.h"
 #include "platform/host.h"
 
@@ -57,6 +58,7 @@ struct Session {
   EditVars Edit;    // the map editor: hit slots, drag, drawing, movement settings
   LocationVars Loc; // find by location: the last crossing, the raster mask
   TableState Tbl;   // the data tables: orders kept for the undo of row sorts
+  NetVars Net;      // shortest path: the stops and the network dialogs
 
   std::vector<ViewHistEntry> ViewHist;
   int32_t ViewPos = 0, ViewCount = 0;

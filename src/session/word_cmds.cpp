@@ -11,6 +11,7 @@
 #include "session/cmds_location.h"
 #include "session/cmds_table.h"
 #include "session/cmds_surface.h"
+#include "session/cmds_network.h"
 #include "session/layer_life.h"
 
 namespace velmora {
@@ -46,6 +47,9 @@ const WordCmd kWordCmds[] = {
     {"CONVERT", "ASCII", RunConvertAsciiCmd},
     {"BUILD", "TIN", RunBuildTin},
     {"BUILD", "CONTOURS", RunBuildContours},
+    {"BUILD", "NETWORK", CmdBuildNetwork},
+    {"SHORTEST", "PATH", CmdShortestPath},
+    {"CLEAR", "SHORTEST", CmdClearShortestPath},
     {nullptr, nullptr, nullptr},
 };
 

@@ -23,7 +23,9 @@
 
 #include "edit/editor.h"
 #include "frame/busy.h"
+#include "frame/log.h"
 #include "model/file_util.h"
+#include "network/route_search.h"
 #include "platform/qt/qt_screen.h"
 #include "session/commands.h"
 #include "session/layer_life.h"
@@ -34,6 +36,7 @@
 #include "session/undo.h"
 #include "store/shp_store.h"
 #include "ui/contour_dialog.h"
+#include "ui/build_net_dialog.h"
 #include "ui/coords_convert_dialog.h"
 #include "ui/coords_dialog.h"
 #include "ui/find_data_dialog.h"
@@ -45,6 +48,7 @@
 #include "ui/selection_actions.h"
 #include "ui/table_windows.h"
 #include "ui/tin_dialog.h"
+#include "ui/net_dialog.h"
 #include "ui/tool_icons.h"
 #include "view/map_toolbar.h"
 #include "view/map_tools.h"
@@ -376,6 +380,45 @@ void MainWindow::BuildMenus() {
   tools->addAction("Build Tin Surface(s)...", this, [this] { ShowTool<TinDialog>(tin_); });
   tools->addAction("Contour Surface(s) Analysis...", this,
                    [this] { ShowTool<ContourDialog>(contour_); });
+  AddNetworkMenus(tools);
+}
+
+void MainWindow::AddNetworkMenus(QMenu* tools) {
+  QAction* build = tools->addAction("Build Shortest Path NetWork...", this, [this] {
+    if (!buildNet_) {
+      auto* d = new BuildNetDialog(s_, this);
+      d->setAttribute(Qt::WA_DeleteOnClose);
+      connect(d, &BuildNetDialog::Built, this, &MainWindow::SyncUi);
+      buildNet_ = d;
+    }
+    buildNet_->show();
+    buildNet_->raise();
+  });
+  build->setObjectName("mnuBuildNetWork");
+  QAction* path = tools->addAction("Shortest Path NetWork...", this, [this] {
+    if (s_.host->IsDialogOpen(BuildNetDialog::kCaption)) {
+      s_.host->MsgBox("Please close Building NetWork menu before Getting Shortest Path ",
+                      "Close menu(s) Message Box", MsgButtons::OkOnly, MsgAnswer::Ok);
+      return;
+    }
+    if (!net_) {
+      auto* d = new NetDialog(s_, this);
+      d->setAttribute(Qt::WA_DeleteOnClose);
+      connect(d, &NetDialog::MapChanged, this, [this] { MapRepaint(s_); });
+      connect(d, &NetDialog::ToolChanged, map_, &MapWidget::UpdateCursor);
+      connect(map_, &MapWidget::RouteStopClicked, d, &NetDialog::InstNet);
+      net_ = d;
+    }
+    net_->show();
+    net_->raise();
+  });
+  path->setObjectName("mnuShortestPath");
+  QAction* clear = tools->addAction("Clear Shortest Path", this, [this] {
+    ClearShortestPath(s_);
+    LogMsg(s_, "Clear Shortest Path");
+    MapRepaint(s_);
+  });
+  clear->setObjectName("mnuClearShortestPath");
 }
 
 void MainWindow::FillLayerMenu(QMenu* m) {

@@ -51,6 +51,7 @@ protected:
 
 private:
   void BuildMenus();
+  void AddNetworkMenus(QMenu* tools);
   void BuildToolbar();
   QAction* ToolAction(const QString& text, const QString& name, int tool);
   void FillLayerMenu(QMenu* m);
@@ -103,6 +104,7 @@ private:
     held->raise();
   }
   QPointer<QWidget> move_, rotate_, settings_; // frmMove, frmRotateAngle, frmMoveSettings
+  QPointer<QWidget> buildNet_, net_;           // FrmBuildNet, frmNet
 };
 
 } // namespace velmora

@@ -119,6 +119,7 @@ void MapWidget::SetToolCursor(int tool) {
   case kToolZoomOut:
   case kToolMeasure:
   case kToolCreateFeature:
+  case kToolRouteStop:
     setCursor(Qt::CrossCursor);
     break;
   case kToolPan:
@@ -240,6 +241,8 @@ void MapWidget::mouseReleaseEvent(QMouseEvent* e) {
     if (s_.LyrCount > 0 && (tool == kToolIdentify || tool == kToolHyperLink) &&
         e->button() == Qt::LeftButton)
       emit FeaturePicked(tool, at.x(), at.y());
+    if (s_.MapView.MapTool == kToolRouteStop && e->button() == Qt::LeftButton)
+      emit RouteStopClicked(at.x(), at.y());
     if (s_.LyrCount > 0 && EditorTool(s_.MapView.MapTool) && e->button() == Qt::LeftButton) {
       const bool box = s_.MapView.MapTool == kToolSelectBox && s_.Edit.MouseDown;
       EditPicUp(s_, *this, kLeftButton, KeysOf(e->modifiers()), at.x(), at.y());

@@ -59,6 +59,8 @@ signals:
   void Edited();
   // A click of tool 8 (Identify) or 9 (HyperLink) at pixel (x, y).
   void FeaturePicked(int tool, int x, int y);
+  // A click of tool 16 (a stop of the shortest path) at pixel (x, y).
+  void RouteStopClicked(int x, int y);
 
 protected:
   void paintEvent(QPaintEvent* e) override;

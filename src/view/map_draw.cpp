@@ -225,6 +225,20 @@ void DrawFeatureCtx(DrawCtx& d, int n, int f) {
   }
 }
 
+// The layer's shortest-path result over its features: plain lines, piece by piece, in the
+// network pen.
+void DrawRoute(DrawCtx& d, int n) {
+  const LyrRec& l = d.s.Lyr[n];
+  if (l.Net.NetRoutes.empty()) return;
+  d.c.SetPen(l.NForeColor, l.NDrawMode, l.NDrawStyle, l.NDrawWidth);
+  d.pen = {};
+  for (const NetRoute& r : l.Net.NetRoutes)
+    for (size_t i = 1; i < r.RoutePts.size(); ++i) {
+      const PixPt seg[2] = {ToPix(d.s, r.RoutePts[i - 1]), ToPix(d.s, r.RoutePts[i])};
+      d.c.Polyline(seg, 2);
+    }
+}
+
 } // namespace
 
 bool LyrVisibleAtScale(const Session& s, int n) {
@@ -258,6 +272,7 @@ void DrawLyr(Session& s, Canvas& c, int n) {
     DrawGeometry(d, n, b.ShpRecs[0], kPenClass, 0, false);
   int count = s.Lyr[n].Shp.RecCount;
   for (int f = 1; f <= count; ++f) DrawFeatureCtx(d, n, f);
+  DrawRoute(d, n);
 }
 
 void DrawImageLyr(Session& s, Canvas& c, int n) {
