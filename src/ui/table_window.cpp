@@ -20,12 +20,14 @@
 #include "frame/log.h"
 #include "frame/lyr_slots.h"
 #include "platform/qt/qt_host.h"
+#include "query/selection_menu.h"
 #include "session/cmds_table.h"
 #include "session/layer_life.h"
 #include "store/dbf_store.h"
 #include "table/field_struct.h"
 #include "table/table_page.h"
 #include "table/table_ranges.h"
+#include "ui/selection_actions.h"
 #include "ui/table_dialogs.h"
 #include "ui/table_model.h"
 
@@ -186,29 +188,28 @@ void TableWindow::BuildMenus(QMenuBar* bar) {
   add(fields, "Change Field...", "mnuChangeField", [this] { ChangeFieldAsk(); });
 
   QMenu* sel = bar->addMenu("&Selection");
-  off(sel, "Select Features", "mnuSelect", &TableWindow::OnSelectFeatures);
-  off(sel, "UnSelect Features", "mnuUnSelect", &TableWindow::OnUnSelectFeatures);
-  off(sel, "Invert Selection", "mnuInvertSelection", &TableWindow::OnInvertSelection);
-  off(sel, "Clear Selection", "mnuClearSelection", &TableWindow::OnClearSelection);
-  off(sel, "Zoom to Selected", "mnuZoomtoSelected", &TableWindow::OnZoomToSelected);
+  auto selItem = [this, sel](const QString& text, const QString& name) {
+    QAction* a = sel->addAction(text);
+    a->setObjectName(name);
+    connect(a, &QAction::triggered, this, [this, name] { RunSelection(FromQ(name)); });
+  };
+  selItem("Select Features", "mnuSelect");
+  selItem("UnSelect Features", "mnuUnSelect");
+  selItem("Invert Selection", "mnuInvertSelection");
+  selItem("Clear Selection", "mnuClearSelection");
+  selItem("Zoom to Selected", "mnuZoomtoSelected");
   sel->addSeparator();
-  off(sel, "Delete Features", "mnuDelete", &TableWindow::OnDeleteFeatures);
-  off(sel, "UnDelete Features", "mnuUnDelete", &TableWindow::OnUnDeleteFeatures);
-  off(sel, "Remove Deleted Features", "mnuRemoveDeletedFeatures",
-      &TableWindow::OnRemoveDeletedFeatures);
+  selItem("Delete Features", "mnuDelete");
+  selItem("UnDelete Features", "mnuUnDelete");
+  selItem("Remove Deleted Features", "mnuRemoveDeletedFeatures");
   sel->addSeparator();
-  off(sel, "Cut Selected Features To...", "mnuCutSelectedFeaturesTo",
-      &TableWindow::OnCutSelectedFeaturesTo);
-  off(sel, "Copy Selected Features To...", "mnuCopySelectedFeaturesTo",
-      &TableWindow::OnCopySelectedFeaturesTo);
-  off(sel, "Delete Selection", "mnuDeleteSelection", &TableWindow::OnDeleteSelection);
-  off(sel, "Combine Selected Features", "mnuCombineSelectedFeatures",
-      &TableWindow::OnCombineSelectedFeatures);
-  off(sel, "Combine Parts of Selected Features into One Part",
-      "mnuCombinePartsOfSelectedFeaturesIntoOnePart",
-      &TableWindow::OnCombinePartsOfSelectedFeatures);
-  off(sel, "Close Selected Feaures Edges", "mnuCloseSelectedFeauresEdges",
-      &TableWindow::OnCloseSelectedFeaturesEdges);
+  selItem("Cut Selected Features To...", "mnuCutSelectedFeaturesTo");
+  selItem("Copy Selected Features To...", "mnuCopySelectedFeaturesTo");
+  selItem("Delete Selection", "mnuDeleteSelection");
+  selItem("Combine Selected Features", "mnuCombineSelectedFeatures");
+  selItem("Combine Parts of Selected Features into One Part",
+          "mnuCombinePartsOfSelectedFeaturesIntoOnePart");
+  selItem("Close Selected Feaures Edges", "mnuCloseSelectedFeauresEdges");
 
   QMenu* tools = bar->addMenu("&Tools");
   add(tools, "Edit Feature Data", "mnuEditFeatureData", [this] {
@@ -226,6 +227,22 @@ void TableWindow::BuildMenus(QMenuBar* bar) {
     const bool busy = n && LyrIsBusy(s_, n);
     terminate_->setText(busy ? ToQ("Terminate " + s_.Lyr[n].BusyFunc) : "Terminate None");
   });
+}
+
+void TableWindow::RunSelection(const std::string& name) {
+  Flush();
+  TakeRange();
+  const int n = Lyr();
+  if (!n) return;
+  s_.ActiveLyr = n;
+  if (NeedsRange(name)) {
+    const int a = page_.TblRange[0], b = page_.TblRange[2];
+    if (std::min(a, b) < 1) return;
+    RunSelectionEntry(s_, name, n, 0, std::min(a, b), std::max(a, b));
+  } else {
+    RunSelectionAction(this, s_, name, [] {});
+  }
+  if (Lyr()) Reload(false);
 }
 
 void TableWindow::Terminate() {

@@ -55,21 +55,9 @@ signals:
   void PropertiesRequested(int lyr);
 
 public slots:
-  // Selection operations, wired by the selection code.
-  void OnSelectFeatures() {}
-  void OnUnSelectFeatures() {}
-  void OnInvertSelection() {}
-  void OnClearSelection() {}
-  void OnZoomToSelected() {}
-  void OnDeleteFeatures() {}
-  void OnUnDeleteFeatures() {}
-  void OnRemoveDeletedFeatures() {}
-  void OnCutSelectedFeaturesTo() {}
-  void OnCopySelectedFeaturesTo() {}
-  void OnDeleteSelection() {}
-  void OnCombineSelectedFeatures() {}
-  void OnCombinePartsOfSelectedFeatures() {}
-  void OnCloseSelectedFeaturesEdges() {}
+  // A selection entry (its menu name) on this table's layer: the range entries take the
+  // records of the table's range, the others act on the selection.
+  void RunSelection(const std::string& name);
   // The script host's run over the records.
   void OnRunScript() {}
 

@@ -16,6 +16,7 @@
 #include <QValidator>
 
 #include "../table/table_fixture.h"
+#include "edit/move_ops.h"
 #include "platform/qt/qt_host.h"
 #include "qt_app.h"
 #include "session/layer_life.h"
@@ -93,9 +94,16 @@ TEST_F(TableWindowTest, OpensWithCaptionColumnsAndCounter) {
   EXPECT_EQ(m->index(1, 0).data().toString(), "");
   EXPECT_FALSE(t->Scroller()->isEnabled());
 
-  // Selection menus wait for their wiring; the script run too.
-  EXPECT_FALSE(t->Action("mnuSelect")->isEnabled());
-  EXPECT_FALSE(t->Action("mnuRunScript")->isEnabled());
+  // Select Features takes the records of the table's range.
+  t->SetMode(0);
+  t->Scroller()->setValue(1);
+  SelectCells(t, 2, 1, 4, 2); // records 3 to 5
+  t->Action("mnuSelect")->trigger();
+  EXPECT_TRUE(IsSelected(s, lyr, 3) && IsSelected(s, lyr, 4) && IsSelected(s, lyr, 5));
+  EXPECT_TRUE(IsSelected(s, lyr, 10) && !IsSelected(s, lyr, 6));
+  t->Action("mnuInvertSelection")->trigger();
+  EXPECT_FALSE(IsSelected(s, lyr, 4));
+  EXPECT_TRUE(IsSelected(s, lyr, 6));
 
   t->close();
   EXPECT_FALSE(s.Lyr[lyr].TblOpen);

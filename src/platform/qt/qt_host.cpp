@@ -40,7 +40,10 @@ bool ImageCodecsReady() {
 }
 
 void QtHost::Yield() {
+  const auto now = std::chrono::steady_clock::now();
+  if (now - lastYield_ < std::chrono::milliseconds(10)) return;
   QCoreApplication::processEvents(QEventLoop::AllEvents);
+  lastYield_ = std::chrono::steady_clock::now();
 }
 
 MsgAnswer QtHost::MsgBox(const std::string& text, const std::string& title, MsgButtons buttons,

@@ -3,6 +3,7 @@
 #include <QPointer>
 #include <QString>
 #include <QWidget>
+#include <chrono>
 #include <string>
 
 #include "platform/host.h"
@@ -86,6 +87,9 @@ signals:
   void tableClosed(int lyr);
 
 private:
+  // When events were last let through: a loop over a million rows yields every row, and
+  // the window needs a turn only every few milliseconds.
+  std::chrono::steady_clock::time_point lastYield_{};
   QPointer<QWidget> window_;
   bool waitCursor_ = false;
 };
