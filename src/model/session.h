@@ -11,6 +11,7 @@
 #include "model/held_lyrs.h"
 #include "model/lyr_table.h"
 #include "model/map_view.h"
+#include "model/script_types.h"
 #include "model/undo_types.h"
 #include "platform/host.h"
 
@@ -76,6 +77,7 @@ struct Session {
   bool ExitUnderWay = false;
 
   LocaleSettings Locale;
+  ScriptVars Script; // the script host: queued runs, calls into the subsystems above
   std::mt19937 Rng;
 
   Host* host; // never null

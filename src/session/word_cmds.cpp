@@ -7,6 +7,7 @@
 #include "model/companion_file.h"
 #include "model/file_util.h"
 #include "model/val.h"
+#include "session/cmds_script.h"
 #include "session/layer_life.h"
 
 namespace velmora {
@@ -15,6 +16,8 @@ namespace {
 
 // One row per command; areas add theirs here.
 const WordCmd kWordCmds[] = {
+    {"SET", "SCRIPT", CmdSetScript},
+    {"RUN", "SCRIPT", CmdRunScript},
     {nullptr, nullptr, nullptr},
 };
 
