@@ -125,11 +125,8 @@ std::string LoadLyrScript(Session& s, int lyr) {
       text = ReadText(file);
     }
   }
-  text = Trim(text);
-  while (!text.empty() && (text.back() == '\r' || text.back() == '\n' || text.back() == '\t'))
-    text.pop_back();
-  while (!text.empty() && (text.front() == '\r' || text.front() == '\n' || text.front() == '\t'))
-    text.erase(0, 1);
+  size_t b = text.find_first_not_of(" \t\r\n"), e = text.find_last_not_of(" \t\r\n");
+  text = b == std::string::npos ? std::string() : text.substr(b, e - b + 1);
   if (text.empty()) return "";
   return text + "\r\n";
 }
