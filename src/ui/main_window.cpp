@@ -39,6 +39,8 @@
 #include "ui/layer_props_dialog.h"
 #include "ui/map_widget.h"
 #include "ui/move_dialogs.h"
+#include "ui/script_page.h"
+#include "ui/script_timer.h"
 #include "ui/tool_icons.h"
 #include "view/map_toolbar.h"
 #include "view/map_tools.h"
@@ -110,6 +112,7 @@ MainWindow::MainWindow(Session& s, QtHost& host, QWidget* parent)
   BuildMenus();
 
   // The stop sequence tries again while a function still holds a layer.
+  scriptTimer_ = new ScriptTimer(s_, this);
   unloadTimer_ = new QTimer(this);
   unloadTimer_->setInterval(3000);
   connect(unloadTimer_, &QTimer::timeout, this, &QWidget::close);
@@ -366,6 +369,13 @@ void MainWindow::FillLayerMenu(QMenu* m) {
     for (int n : Selected()) ValidateLyrBoundaries(s_, n);
   });
   add("Properties...", "mnuProperties", [this] { ShowProps(); });
+  add("Edit VB Script...", "mnuEditScript", [this] {
+    ShowProps();
+    if (auto* d = qobject_cast<LayerPropsDialog*>(props_.data())) d->Script()->FocusEditor();
+  });
+  add("Run VB Script in all Recs.", "mnuRunScript", [this] {
+    if (s_.ActiveLyr > 0) scriptTimer_->RunSoon(s_.ActiveLyr);
+  });
   sep();
   add("Move Up", "mnuMoveUp", [this] { MoveUp(); });
   add("Move Down", "mnuMoveDown", [this] { MoveDown(); });

@@ -22,6 +22,8 @@ class MapWidget;
 // The main window: the layer list on the left, the map surface (EditPic) in the centre,
 // the command bar below, the status text, progress bar and txtFunc in the status bar, and
 // the menus and toolbar. Each handler gathers the selection and calls one core operation.
+class ScriptTimer;
+
 class MainWindow : public QMainWindow {
   Q_OBJECT
 public:
@@ -85,6 +87,7 @@ private:
   QMenu* scaleMenu_ = nullptr;
   QList<QAction*> lyrActions_; // need a layer
   QPointer<QWidget> props_, coords_, convert_;
+  ScriptTimer* scriptTimer_ = nullptr;         // VbScribtTimerM
   QPointer<QWidget> move_, rotate_, settings_; // frmMove, frmRotateAngle, frmMoveSettings
 };
 

@@ -51,6 +51,10 @@ public:
   std::string SaveFileDialog(const std::string& title, const std::string& filter,
                              const std::string& defaultName) override;
   void TableDataChanged(int lyr) override { emit tableDataChanged(lyr); }
+  // A script's MsgBox and InputBox (qt_script_dialogs.cpp).
+  int ScriptMsgBox(const std::string& prompt, int buttons, const std::string& title) override;
+  bool ScriptInputBox(const std::string& prompt, const std::string& title, const std::string& dflt,
+                      std::string& answer, bool& cancelled) override;
   Canvas* MapBuf() override { return mapBuf ? mapBuf() : nullptr; }
   void MapShow() override {
     if (mapShow) mapShow();
