@@ -78,10 +78,61 @@ bool LiteralValue(vbs::Interp& in, const std::string& lit, vbs::Value& out) {
   return in.Eval(lit, out);
 }
 
+// 0 text, 1 number, 2 date: how a field's literal is made.
+enum class Kind : uint8_t { Text, Number, Date };
+
+Kind KindOf(const Session& s, int lyr, int f) {
+  std::string t = GetFieldType(s, lyr, f);
+  return t == "Numeric" ? Kind::Number : t == "Date" ? Kind::Date : Kind::Text;
+}
+
 struct FieldBind {
   int f;
+  Kind kind;
   vbs::Value* var;
 };
+
+// A whole number as its literal gives it: Integer, Long, else Double; a minus sign in
+// front of the literal keeps the type of the positive one.
+vbs::Value WholeValue(double d) {
+  double a = std::fabs(d);
+  if (a <= 32767) return vbs::Value::Int(static_cast<int64_t>(d));
+  if (a <= 2147483647.0) return vbs::Value::Lng(static_cast<int64_t>(d));
+  return vbs::Value::Dbl(d);
+}
+
+// The value ScriptLiteral's text gives as "x = <literal>", without the text where it can.
+bool BindValue(vbs::Interp& in, const Session& s, int lyr, const FieldBind& b, vbs::Value& out) {
+  std::string cell = GetFieldValue(s, lyr, b.f);
+  if (b.kind == Kind::Text) {
+    size_t e = cell.find_last_not_of(' ');
+    cell.erase(e == std::string::npos ? 0 : e + 1);
+    if (out.t == vbs::VT::String) {
+      out.s.swap(cell); // keeps the variable's buffer
+    } else {
+      out = vbs::Value::Str(std::move(cell));
+    }
+    return true;
+  }
+  size_t st = cell.find_first_not_of(' '), en = cell.find_last_not_of(' ');
+  if (st != std::string::npos) {
+    std::string_view t(cell.data() + st, en - st + 1);
+    if (b.kind == Kind::Number) {
+      double d;
+      if (in.Cv().ParseNumber(t, d)) {
+        out = d == std::floor(d) && std::fabs(d) < 1e15 ? WholeValue(d) : vbs::Value::Dbl(d);
+        return true;
+      }
+    } else {
+      dbf::DateParts dp;
+      if (dbf::ParseDateText(std::string(t), s.Locale.ShortDate, dp)) {
+        out = WholeValue(vbs::DateFromYmd(dp.Y, dp.M, dp.D));
+        return true;
+      }
+    }
+  }
+  return LiteralValue(in, cell, out);
+}
 
 void ExtendExtent(LyrRec& l, int rec) {
   if (rec < 1 || rec >= int(l.Shp.ShpRecs.size())) return;
@@ -159,13 +210,13 @@ std::string ScriptLiteral(const Session& s, int lyr, int f) {
   return r + "\"";
 }
 
-std::string ScriptCellText(const Session& s, int lyr, int f, const vbs::Value& v,
-                           const vbs::Conv& c) {
+namespace {
+std::string CellText(const Session& s, bool isDate, const vbs::Value& v, const vbs::Conv& c) {
   using vbs::VT;
   if (v.t == VT::Empty || v.t == VT::Null || v.t == VT::Object || v.t == VT::Array ||
       v.t == VT::Error)
     return "";
-  if (GetFieldType(s, lyr, f) == "Date" && v.t != VT::String) {
+  if (isDate && v.t != VT::String) {
     double d = c.ToDouble(v);
     if (d > 0) {
       int y, m, dd;
@@ -174,6 +225,12 @@ std::string ScriptCellText(const Session& s, int lyr, int f, const vbs::Value& v
     }
   }
   return c.ToStr(v);
+}
+} // namespace
+
+std::string ScriptCellText(const Session& s, int lyr, int f, const vbs::Value& v,
+                           const vbs::Conv& c) {
+  return CellText(s, GetFieldType(s, lyr, f) == "Date", v, c);
 }
 
 bool RunScript(Session& s, int lyr, int firstRec, int lastRec, bool selectedOnly) {
@@ -211,7 +268,7 @@ bool RunScript(Session& s, int lyr, int firstRec, int lastRec, bool selectedOnly
       e.Line = 1;
       return fail(ScriptErrorText(e));
     }
-    binds.push_back({f, &in.Global(fname)});
+    binds.push_back({f, KindOf(s, lyr, f), &in.Global(fname)});
   }
 
   int n = s.Lyr[lyr].Dbf.DbfRecCount;
@@ -227,8 +284,7 @@ bool RunScript(Session& s, int lyr, int firstRec, int lastRec, bool selectedOnly
       q->LayerNo = L;
       q->RecNo = rec;
       for (FieldBind& b : binds) {
-        if (!LiteralValue(in, ScriptLiteral(s, L, b.f), *b.var))
-          return fail(ScriptErrorText(in.LastError()));
+        if (!BindValue(in, s, L, b, *b.var)) return fail(ScriptErrorText(in.LastError()));
       }
       if (!in.Run(prog)) return fail(ScriptErrorText(in.LastError()));
       if (rf.Gone() || L > s.LyrCount || s.Lyr[L].LyrKind == 0) break;

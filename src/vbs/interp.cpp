@@ -108,6 +108,13 @@ bool Interp::RunProgram(Program& prog) {
   frame_ = globalFrame_.get();
   frame_->resumeNext = false;
   int savedDepth = depth_;
+  const char* savedBase = stackBase_;
+  if (!stackBase_) stackBase_ = static_cast<const char*>(__builtin_frame_address(0));
+  struct BaseReset {
+    const char*& b;
+    const char* v;
+    ~BaseReset() { b = v; }
+  } baseReset{stackBase_, savedBase};
   try {
     ExecBlock(prog.top);
     frame_ = saved;
@@ -141,6 +148,13 @@ bool Interp::Eval(const std::string& expr, Value& out) {
   }
   Frame* saved = frame_;
   frame_ = globalFrame_.get();
+  const char* savedBase = stackBase_;
+  if (!stackBase_) stackBase_ = static_cast<const char*>(__builtin_frame_address(0));
+  struct BaseReset {
+    const char*& b;
+    const char* v;
+    ~BaseReset() { b = v; }
+  } baseReset{stackBase_, savedBase};
   try {
     out = EvalE(p->top[0]->rhs);
     frame_ = saved;
@@ -988,7 +1002,10 @@ Value Interp::CallProc(Proc* p, ClassInstance* me, std::span<Value*> args) {
     er.Description = ErrorText(450) + ": '" + p->name + "'";
     throw er;
   }
-  if (depth_ >= kMaxCallDepth) Throw(28);
+  const char* here = static_cast<const char*>(__builtin_frame_address(0));
+  if (depth_ >= kMaxCallDepth ||
+      (stackBase_ && stackBase_ > here && size_t(stackBase_ - here) > kMaxStackBytes))
+    Throw(28);
   Frame f;
   f.proc = p;
   f.me = me;

@@ -29,6 +29,8 @@ public:
 
 // Limits against runaway scripts.
 inline constexpr int kMaxCallDepth = 1000;
+inline constexpr size_t kMaxStackBytes = 3u
+                                         << 20; // of the thread's stack, whatever the frames cost
 inline constexpr size_t kMaxStringBytes = 64u << 20;  // String(), Space(), concatenation
 inline constexpr size_t kMaxArrayElements = 4u << 20; // Dim, ReDim
 
@@ -142,6 +144,7 @@ private:
   Frame* frame_ = nullptr;
   std::unique_ptr<Frame> globalFrame_;
   int depth_ = 0;
+  const char* stackBase_ = nullptr; // where the outermost run began
   unsigned tick_ = 0;
   bool optionExplicit_ = false;
   bool cancel_ = false;

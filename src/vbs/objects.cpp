@@ -145,7 +145,7 @@ public:
 };
 
 // Texts longer than this are refused: the matcher recurses per character.
-constexpr size_t kMaxRegexText = 1u << 20;
+constexpr size_t kMaxRegexText = 32u << 10;
 
 class RegExpObj : public Object {
 public:
