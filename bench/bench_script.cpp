@@ -115,7 +115,7 @@ void BM_PythonGdalPeer_1M(benchmark::State& state) {
   std::string py = TheDir().path + "/peer.py";
   std::ofstream(py) << kPython;
   for (auto _ : state) {
-    std::string cmd = "python3 " + py + " " + path.substr(0, path.size() - 4) + ".dbf > " +
+    std::string cmd = "/usr/bin/python3 " + py + " " + path.substr(0, path.size() - 4) + ".dbf > " +
                       TheDir().path + "/peer.out";
     auto t0 = std::chrono::steady_clock::now();
     int rc = std::system(cmd.c_str());

@@ -186,14 +186,12 @@ void Interp::RunText(const std::string& text, bool global) {
     throw;
   }
   frame_ = saved;
-  keep_.push_back(p); // its nodes may be cached by names bound to them
 }
 
 Value Interp::EvalText(const std::string& text) {
   auto p = std::make_shared<Program>();
   Error e;
   if (!Parse(text, *p, e, true)) throw e;
-  keep_.push_back(p);
   return EvalE(p->top[0]->rhs);
 }
 
