@@ -8,6 +8,7 @@
 
 #include "vbs/format.h"
 #include "vbs/interp.h"
+#include "vbs/utf8.h"
 
 namespace vbs {
 
@@ -53,37 +54,36 @@ size_t FindStr(const std::string& hay, const std::string& needle, size_t from, b
 // ---- strings
 Value FLen(Interp& in, Args a) {
   if (a[0]->t == VT::Null) return Value::NullV();
-  return Value::Lng(static_cast<int64_t>(S(in, *a[0]).size()));
+  return Value::Lng(static_cast<int64_t>(U8Len(S(in, *a[0]))));
 }
 Value FLeft(Interp& in, Args a) {
   if (a[0]->t == VT::Null) return Value::NullV();
   int64_t n = L(in, *a[1]);
   if (n < 0) Throw(5);
   std::string s = S(in, *a[0]);
-  return Value::Str(
-      s.substr(0, static_cast<size_t>(std::min<int64_t>(n, static_cast<int64_t>(s.size())))));
+  return Value::Str(s.substr(0, U8Off(s, static_cast<size_t>(n))));
 }
 Value FRight(Interp& in, Args a) {
   if (a[0]->t == VT::Null) return Value::NullV();
   int64_t n = L(in, *a[1]);
   if (n < 0) Throw(5);
   std::string s = S(in, *a[0]);
-  size_t k = static_cast<size_t>(std::min<int64_t>(n, static_cast<int64_t>(s.size())));
-  return Value::Str(s.substr(s.size() - k));
+  size_t total = U8Len(s);
+  if (static_cast<size_t>(n) >= total) return Value::Str(s);
+  return Value::Str(s.substr(U8Off(s, total - static_cast<size_t>(n))));
 }
 Value FMid(Interp& in, Args a) {
   if (a[0]->t == VT::Null) return Value::NullV();
   int64_t st = L(in, *a[1]);
   if (st < 1) Throw(5);
   std::string s = S(in, *a[0]);
-  if (static_cast<size_t>(st) > s.size()) return Value::Str("");
-  size_t n = std::string::npos;
-  if (Has(a, 2)) {
-    int64_t k = L(in, *a[2]);
-    if (k < 0) Throw(5);
-    n = static_cast<size_t>(k);
-  }
-  return Value::Str(s.substr(static_cast<size_t>(st - 1), n));
+  size_t b = U8Off(s, static_cast<size_t>(st - 1));
+  if (b >= s.size()) return Value::Str("");
+  if (!Has(a, 2)) return Value::Str(s.substr(b));
+  int64_t k = L(in, *a[2]);
+  if (k < 0) Throw(5);
+  std::string_view rest(s.data() + b, s.size() - b);
+  return Value::Str(std::string(rest.substr(0, U8Off(rest, static_cast<size_t>(k)))));
 }
 Value FInStr(Interp& in, Args a) {
   size_t off = 0;
@@ -98,11 +98,10 @@ Value FInStr(Interp& in, Args a) {
   if (a[off]->t == VT::Null || a[off + 1]->t == VT::Null) return Value::NullV();
   bool text = a.size() > off + 2 && Has(a, off + 2) && L(in, *a[off + 2]) == 1;
   std::string h = S(in, *a[off]), n = S(in, *a[off + 1]);
-  if (static_cast<size_t>(start) > h.size())
-    return Value::Lng(n.empty() && static_cast<size_t>(start) == h.size() + 1 ? 0 : 0);
+  if (static_cast<size_t>(start) > U8Len(h)) return Value::Lng(0);
   if (n.empty()) return Value::Lng(start);
-  size_t p = FindStr(h, n, static_cast<size_t>(start - 1), text);
-  return Value::Lng(p == std::string::npos ? 0 : static_cast<int64_t>(p) + 1);
+  size_t p = FindStr(h, n, U8Off(h, static_cast<size_t>(start - 1)), text);
+  return Value::Lng(p == std::string::npos ? 0 : static_cast<int64_t>(U8Chars(h, p)) + 1);
 }
 Value FInStrRev(Interp& in, Args a) {
   if (a[0]->t == VT::Null || a[1]->t == VT::Null) return Value::NullV();
@@ -110,16 +109,18 @@ Value FInStrRev(Interp& in, Args a) {
   int64_t start = Has(a, 2) ? L(in, *a[2]) : -1;
   if (start == 0 || start < -1) Throw(5);
   bool text = Has(a, 3) && L(in, *a[3]) == 1;
-  if (start == -1) start = static_cast<int64_t>(h.size());
-  if (start > static_cast<int64_t>(h.size())) return Value::Lng(0);
+  int64_t total = static_cast<int64_t>(U8Len(h));
+  if (start == -1) start = total;
+  if (start > total) return Value::Lng(0);
   if (n.empty()) return Value::Lng(start);
   if (text) {
     h = ToLower(h);
     n = ToLower(n);
   }
-  if (static_cast<int64_t>(n.size()) > start) return Value::Lng(0);
-  size_t p = h.rfind(n, static_cast<size_t>(start) - n.size());
-  return Value::Lng(p == std::string::npos ? 0 : static_cast<int64_t>(p) + 1);
+  size_t limit = U8Off(h, static_cast<size_t>(start));
+  if (n.size() > limit) return Value::Lng(0);
+  size_t p = h.rfind(n, limit - n.size());
+  return Value::Lng(p == std::string::npos ? 0 : static_cast<int64_t>(U8Chars(h, p)) + 1);
 }
 Value FReplace(Interp& in, Args a) {
   if (a[0]->t == VT::Null) return Value::NullV();
@@ -129,8 +130,8 @@ Value FReplace(Interp& in, Args a) {
   int64_t count = Has(a, 4) ? L(in, *a[4]) : -1;
   bool text = Has(a, 5) && L(in, *a[5]) == 1;
   if (start < 1 || count < -1) Throw(5);
-  if (static_cast<size_t>(start) > s.size()) return Value::Str("");
-  s = s.substr(static_cast<size_t>(start - 1));
+  if (static_cast<size_t>(start) > U8Len(s)) return Value::Str("");
+  s = s.substr(U8Off(s, static_cast<size_t>(start - 1)));
   if (f.empty() || count == 0) return Value::Str(s);
   std::string out;
   std::string ls = text ? ToLower(s) : std::string();
@@ -238,22 +239,32 @@ Value FStrComp(Interp& in, Args a) {
 }
 Value FStrReverse(Interp& in, Args a) {
   if (a[0]->t == VT::Null) Throw(94);
-  std::string s = S(in, *a[0]);
-  std::reverse(s.begin(), s.end());
-  return Value::Str(std::move(s));
+  std::string s = S(in, *a[0]), r;
+  r.reserve(s.size());
+  for (size_t i = 0; i < s.size();) {
+    size_t n = U8Step(s, i);
+    r.insert(0, s, i, n);
+    i += n;
+  }
+  return Value::Str(std::move(r));
 }
 Value FString(Interp& in, Args a) {
   if (AnyNull(a, 2)) return Value::NullV();
   int64_t n = L(in, *a[0]);
-  CheckLen(n);
-  char c;
+  std::string c;
   if (a[1]->t == VT::String) {
     if (a[1]->s.empty()) Throw(5);
-    c = a[1]->s[0];
+    c = a[1]->s.substr(0, U8Step(a[1]->s, 0));
   } else {
-    c = static_cast<char>(L(in, *a[1]) & 0xFF);
+    int64_t code = L(in, *a[1]) & 0xFF;
+    c = code < 0x80 ? std::string(1, static_cast<char>(code))
+                    : U8Encode(static_cast<uint32_t>(code));
   }
-  return Value::Str(std::string(static_cast<size_t>(n), c));
+  CheckLen(n * static_cast<int64_t>(c.size()));
+  std::string r;
+  r.reserve(static_cast<size_t>(n) * c.size());
+  for (int64_t i = 0; i < n; ++i) r += c;
+  return Value::Str(std::move(r));
 }
 Value FSpace(Interp& in, Args a) {
   int64_t n = L(in, *a[0]);
@@ -263,7 +274,8 @@ Value FSpace(Interp& in, Args a) {
 Value FAsc(Interp& in, Args a) {
   std::string s = S(in, *a[0]);
   if (s.empty()) Throw(5);
-  return Value::Int(static_cast<unsigned char>(s[0]));
+  uint32_t cp = U8Decode(s, 0);
+  return Value::Int(cp < 256 ? cp : 63); // outside the code page: '?'
 }
 Value FAscW(Interp& in, Args a) {
   std::string s = S(in, *a[0]);
@@ -288,23 +300,15 @@ Value FAscW(Interp& in, Args a) {
 Value FChr(Interp& in, Args a) {
   int64_t n = L(in, *a[0]);
   if (n < 0 || n > 255) Throw(5);
-  return Value::Str(std::string(1, static_cast<char>(n)));
+  if (n < 0x80) return Value::Str(std::string(1, static_cast<char>(n)));
+  return Value::Str(U8Encode(static_cast<uint32_t>(n)));
 }
 Value FChrW(Interp& in, Args a) {
   int64_t n = L(in, *a[0]);
   if (n < -32768 || n > 65535) Throw(5);
   if (n < 0) n += 65536;
-  if (n < 256) return Value::Str(std::string(1, static_cast<char>(n)));
-  std::string r;
-  if (n < 0x800) {
-    r += static_cast<char>(0xC0 | (n >> 6));
-    r += static_cast<char>(0x80 | (n & 0x3F));
-  } else {
-    r += static_cast<char>(0xE0 | (n >> 12));
-    r += static_cast<char>(0x80 | ((n >> 6) & 0x3F));
-    r += static_cast<char>(0x80 | (n & 0x3F));
-  }
-  return Value::Str(r);
+  if (n < 0x80) return Value::Str(std::string(1, static_cast<char>(n)));
+  return Value::Str(U8Encode(static_cast<uint32_t>(n)));
 }
 
 // ---- numbers

@@ -323,8 +323,8 @@ TEST(RunScript, NumbersCrossWithTheSessionsDecimalSeparator) {
   Fixture fx;
   fx.s.Locale.DecimalSep = ',';
   int lyr = fx.Open(MakeLayer(test::TempDir("vbs_comma")));
-  fx.s.Lyr[lyr].VBScripttext =
-      "VAL = VAL * 2\nNAME = CStr(VAL) & \"|\" & TypeName(VAL) & \"|\" & GetFieldValue(\"NOPE\", 0, 0) & \"|\" & EOF(0)\n";
+  fx.s.Lyr[lyr].VBScripttext = "VAL = VAL * 2\nNAME = CStr(VAL) & \"|\" & TypeName(VAL) & \"|\" & "
+                               "GetFieldValue(\"NOPE\", 0, 0) & \"|\" & EOF(0)\n";
   ASSERT_TRUE(RunScript(fx.s, lyr, 0, 0, false));
   EXPECT_EQ(Trim(fx.Cell(lyr, 0, "NAME")), "2,5|Double||False");
   EXPECT_EQ(Trim(fx.Cell(lyr, 0, "VAL")), "2,5");

@@ -56,4 +56,18 @@ Dim s : s = "x" : s = s & "y"
 CheckT "colon separators", s, "xy", "String"
 Rem a comment line
 CheckT "after rem", 1, "1", "Integer" ' trailing comment
+' Texts count characters, not bytes
+Dim u : u = "M" & ChrW(252) & "ller"
+CheckT "len of non-ascii", Len(u), "6", "Long"
+CheckT "left of non-ascii", Left(u, 2), "M" & ChrW(252), "String"
+CheckT "mid of non-ascii", Mid(u, 2, 1), ChrW(252), "String"
+CheckT "right of non-ascii", Right(u, 5), ChrW(252) & "ller", "String"
+CheckT "instr after non-ascii", InStr(u, "l"), "3", "Long"
+CheckT "instrrev after non-ascii", InStrRev(u, "l"), "4", "Long"
+CheckT "strreverse non-ascii", StrReverse(u), "rell" & ChrW(252) & "M", "String"
+CheckT "asc of latin", Asc(ChrW(252)), "252", "Integer"
+CheckT "ascw of latin", AscW(Chr(252)), "252", "Integer"
+CheckT "chrw euro", AscW(ChrW(8364)), "8364", "Integer"
+CheckT "string of non-ascii", Len(String(3, ChrW(252))), "3", "Long"
+CheckT "replace start counts characters", Replace(u, "l", "L", 3), "LLer", "String"
 MsgBox "done"
