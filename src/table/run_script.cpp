@@ -286,8 +286,13 @@ bool RunScript(Session& s, int lyr, int firstRec, int lastRec, bool selectedOnly
       for (FieldBind& b : binds) {
         if (!BindValue(in, s, L, b, *b.var)) return fail(ScriptErrorText(in.LastError()));
       }
+      const std::string source = s.Lyr[L].Fsource;
       if (!in.Run(prog)) return fail(ScriptErrorText(in.LastError()));
-      if (rf.Gone() || L > s.LyrCount || s.Lyr[L].LyrKind == 0) break;
+      // the script yields now and then: the row may have moved, or gone
+      if (L > s.LyrCount || s.Lyr[L].Fsource != source) {
+        if (rf.Step(rec - firstRec, total) || rf.Gone()) break;
+        L = rf.Layer();
+      }
       // a script that read another row of this layer left that row in the buffer
       if (s.Lyr[L].Dbf.DbfCurRec != rec - 1) ReadDbfRec(s, L, rec - 1);
       for (FieldBind& b : binds)
