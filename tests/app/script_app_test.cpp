@@ -59,3 +59,23 @@ TEST(ScriptApp, LayersOfTheStartLineAreThereForTheScript) {
   EXPECT_EQ(lines[lines.size() - 2].substr(0, 3), "-5 ");
   EXPECT_EQ(lines.back(), "dflt");
 }
+
+TEST(ScriptApp, CommandsOfALstFileRunALayersScriptAndTheSaveKeepsIt) {
+  std::string dir = test::TempDir("script_app_lst");
+  std::string shp = test::GdalLayer(dir, "pts", {"POINT (1 2)", "POINT (3 4)", "POINT (5 6)"});
+  ASSERT_FALSE(shp.empty());
+  test::WriteFile(dir + "s.vbs", "id = id * 100 + GetRecNo\r\n");
+  test::WriteFile(dir + "run.lst", "SET SCRIPT \"" + shp + "\" \"" + dir +
+                                       "s.vbs\"\nRUN SCRIPT \"" + shp + "\" 2 3\nSAVE LAYER \"" +
+                                       shp + "\" EXIT\n");
+  int st = -1;
+  std::string log = Velmora("--headless " + Quote(dir + "run.lst"), &st, true);
+  EXPECT_EQ(st, 0) << log;
+  // GDAL reads what the save wrote
+  std::string out = test::RunCmd("ogrinfo -q -al " + Quote(shp) + " 2>&1 | grep 'id (' ");
+  std::vector<std::string> lines = Lines(out);
+  ASSERT_EQ(lines.size(), 3u) << out << log;
+  EXPECT_NE(lines[0].find("= 1"), std::string::npos) << lines[0];
+  EXPECT_NE(lines[1].find("= 202"), std::string::npos) << lines[1];
+  EXPECT_NE(lines[2].find("= 303"), std::string::npos) << lines[2];
+}
