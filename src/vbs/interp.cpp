@@ -526,7 +526,7 @@ int Interp::ConstIndex(const std::string& lname) const {
   return it == globalIdx_.end() ? -1 : it->second;
 }
 
-Interp::Lookup Interp::Find(Expr* e, bool forWrite) {
+Interp::Lookup Interp::Find(Expr* e, bool) {
   Lookup L;
   Frame* f = frame_;
   switch (e->bind) {
@@ -590,14 +590,12 @@ Interp::Lookup Interp::Find(Expr* e, bool forWrite) {
   }
   auto gi = globalIdx_.find(n);
   if (gi != globalIdx_.end()) {
-    if (!(f->proc && forWrite && false)) {
-      e->bind = Bind::Global;
-      e->slot = gi->second;
-      L.kind = Found::Var;
-      L.var = &globals_[gi->second];
-      L.isConst = globalConst_[gi->second];
-      return L;
-    }
+    e->bind = Bind::Global;
+    e->slot = gi->second;
+    L.kind = Found::Var;
+    L.var = &globals_[gi->second];
+    L.isConst = globalConst_[gi->second];
+    return L;
   }
   auto pi = procs_.find(n);
   if (pi != procs_.end()) {
@@ -805,15 +803,12 @@ Value Interp::EvalCall(Expr* e, Expr* target, std::vector<Expr*>* argExprs, bool
   case Found::None: {
     Value c;
     if (FindConstant(target->lname, c) && ax.empty()) return c;
-    if (optionExplicit_ || !ax.empty() || e != target) {
-      Error er;
-      er.Number = ax.empty() && e == target ? 500 : 13;
-      if (!ax.empty() || e != target) er.Number = (e != target && ax.empty()) ? 35 : 13;
-      if (e == target && optionExplicit_) er.Number = 500;
-      er.Description = ErrorText(er.Number) + ": '" + target->name + "'";
-      throw er;
-    }
-    return Value();
+    bool plain = e == target;
+    if (plain && !optionExplicit_) return Value(); // an unset variable
+    Error er;
+    er.Number = plain ? 500 : 13; // a call of no procedure is a type mismatch in this language
+    er.Description = ErrorText(er.Number) + ": '" + target->name + "'";
+    throw er;
   }
   default:
     Throw(13);
