@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "app/render.h"
+#include "app/script_main.h"
 #include "platform/headless_host.h"
 #include "platform/qt/qt_host.h"
 #include "platform/qt/qt_image_io.h"
@@ -95,6 +96,8 @@ int main(int argc, char** argv) {
     return RunRender(argc, argv, o);
   case RunMode::Transform:
     return RunTransform(o);
+  case RunMode::Script:
+    return RunScriptMode(argc, argv, o);
   case RunMode::Window:
     break;
   }

@@ -12,10 +12,11 @@
 #include "model/location_types.h"
 #include "model/lyr_table.h"
 #include "model/map_view.h"
-#include "model/query_types.h"
-#include "model/table_types.h"
-#include "model/surface_types.h"
 #include "model/net_types.h"
+#include "model/query_types.h"
+#include "model/script_types.h"
+#include "model/surface_types.h"
+#include "model/table_types.h"
 #include "model/undo_types.h"
 #include "platform/host.h"
 
@@ -54,7 +55,7 @@ struct Session {
   int32_t UndoPos = 0, UndoCount = 0;
   bool UndoOn = false, RedoOn = false; // the undo and redo buttons and menu items
 
-  QueryVars Query; // selection and find by data
+  QueryVars Query;  // selection and find by data
   EditVars Edit;    // the map editor: hit slots, drag, drawing, movement settings
   LocationVars Loc; // find by location: the last crossing, the raster mask
   TableState Tbl;   // the data tables: orders kept for the undo of row sorts
@@ -86,6 +87,7 @@ struct Session {
   bool ExitUnderWay = false;
 
   LocaleSettings Locale;
+  ScriptVars Script; // the script host: queued runs, calls into the subsystems above
   std::mt19937 Rng;
 
   Host* host; // never null

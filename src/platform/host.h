@@ -2,6 +2,8 @@
 #include <string>
 #include <vector>
 
+#include "platform/http_fetch.h"
+
 namespace velmora {
 
 class Canvas;
@@ -84,6 +86,23 @@ public:
   virtual bool OpenWith(const std::string& program, const std::string& path) {
     (void)program, (void)path;
     return false;
+  }
+  // A script's MsgBox: the button pressed (vbOK 1 .. vbNo 7), or -1 when this host shows
+  // none (the prompt then goes to standard output and the default button is taken).
+  virtual int ScriptMsgBox(const std::string& prompt, int buttons, const std::string& title) {
+    (void)prompt, (void)buttons, (void)title;
+    return -1;
+  }
+  // A script's InputBox: false when this host shows none (the default is the answer);
+  // `cancelled` when the user cancelled.
+  virtual bool ScriptInputBox(const std::string& prompt, const std::string& title,
+                              const std::string& dflt, std::string& answer, bool& cancelled) {
+    (void)prompt, (void)title, (void)dflt, (void)answer, (void)cancelled;
+    return false;
+  }
+  // The text at an http:// or https:// address; false when it can't be fetched.
+  virtual bool FetchText(const std::string& url, std::string& text) {
+    return HttpGetText(url, text);
   }
 };
 

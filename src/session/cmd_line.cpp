@@ -24,6 +24,9 @@ CmdLineOpts ParseCmdLine(const std::vector<std::string>& argv) {
       if (i + 1 >= argv.size() || argv[i + 1].empty()) return misuse("--render needs a file name");
       o.RenderPath = argv[++i];
       render = true;
+    } else if (ours && a == "--script") {
+      if (i + 1 >= argv.size() || argv[i + 1].empty()) return misuse("--script needs a file name");
+      o.ScriptPath = argv[++i];
     } else if (ours && a == "--size") {
       int w = 0, h = 0;
       char x = 0, extra = 0;
@@ -46,11 +49,12 @@ CmdLineOpts ParseCmdLine(const std::vector<std::string>& argv) {
       o.Args.push_back(a);
     }
   }
-  o.Mode = help       ? RunMode::Help
-           : version  ? RunMode::Version
-           : render   ? RunMode::Render
-           : headless ? RunMode::Headless
-                      : RunMode::Window;
+  o.Mode = help                    ? RunMode::Help
+           : version               ? RunMode::Version
+           : !o.ScriptPath.empty() ? RunMode::Script
+           : render                ? RunMode::Render
+           : headless              ? RunMode::Headless
+                                   : RunMode::Window;
   return o;
 }
 
@@ -68,6 +72,10 @@ std::string UsageText() {
          "                             a filter from standard input to standard output:\n"
          "                             \"lat lon\" lines to \"x y\" on record N (default 23,\n"
          "                             WGS 84), or with --inverse \"x y\" to \"lat lon\"\n"
+         "  velmora --script FILE.vbs [ARGS]\n"
+         "                             the same start-up without a window, then the VBScript\n"
+         "                             file run with QMTVBS global; MsgBox prints its prompt;\n"
+         "                             exit status 1 after a script error\n"
          "  velmora --help             this text\n"
          "  velmora --version          the version\n"
          "  --                         ends the options; what follows is ARGS\n"

@@ -5,7 +5,7 @@
 namespace velmora {
 
 // The program's own options, read before anything starts.
-enum class RunMode { Window, Headless, Render, Transform, Help, Version, Misuse };
+enum class RunMode { Window, Headless, Render, Transform, Script, Help, Version, Misuse };
 
 struct CmdLineOpts {
   RunMode Mode = RunMode::Window;
@@ -14,6 +14,7 @@ struct CmdLineOpts {
   std::string RenderPath;                 // --render OUT.png
   int RenderW = 1024, RenderH = 768;      // --size WxH
   std::vector<std::string> TransformArgs; // everything after --transform
+  std::string ScriptPath;                 // --script FILE.vbs
 };
 
 // `argv` without the program's name. Words beginning with "--" are ours ("--headless",

@@ -3,6 +3,7 @@
 #include <chrono>
 
 #include "frame/log.h"
+#include "query/location.h"
 #include "session/commands.h"
 #include "session/map_init.h"
 
@@ -26,6 +27,18 @@ std::string JoinArgs(const std::vector<std::string>& args) {
   return line;
 }
 
+namespace {
+
+// QMTVBS Intersect and Inside: the location predicates of relation 1 and 3, no tolerance.
+bool ScriptSpatialTest(Session& s, int lyr, int rec, int lyr2, int rec2, int relation) {
+  if (lyr < 1 || lyr > s.LyrCount || lyr2 < 1 || lyr2 > s.LyrCount) return false;
+  if (rec < 1 || rec > s.Lyr[lyr].Shp.RecCount || rec2 < 1 || rec2 > s.Lyr[lyr2].Shp.RecCount)
+    return false;
+  return LocationPredicate(s, relation, lyr, rec, lyr2, rec2, 0);
+}
+
+} // namespace
+
 std::string Banner() {
   return "Velmora GIS " VELMORA_VERSION " - desktop GIS and map editor";
 }
@@ -33,6 +46,7 @@ std::string Banner() {
 bool StartSession(Session& s, const std::vector<std::string>& args) {
   s.LastDir = s.ProgramDir;
   LogInit(s, Banner());
+  s.Script.SpatialTest = ScriptSpatialTest;
   MapInit(s);
   Randomize(s, uint32_t(std::chrono::system_clock::now().time_since_epoch().count()));
 

@@ -7,11 +7,12 @@
 #include "model/companion_file.h"
 #include "model/file_util.h"
 #include "model/val.h"
-#include "session/cmds_select.h"
 #include "session/cmds_location.h"
-#include "session/cmds_table.h"
-#include "session/cmds_surface.h"
 #include "session/cmds_network.h"
+#include "session/cmds_script.h"
+#include "session/cmds_select.h"
+#include "session/cmds_surface.h"
+#include "session/cmds_table.h"
 #include "session/layer_life.h"
 
 namespace velmora {
@@ -40,16 +41,22 @@ const WordCmd kWordCmds[] = {
     {"CUT", "SNAPSHOT", CmdCutSnapshot},
     {"UNCUT", "SNAPSHOT", CmdUncutSnapshot},
     {"FIND", "LOCATION", RunFindLocationCmd},
-    {"FILL", "SERIES", RunFillSeriesCmd},     {"ADD", "RECORDS", RunAddRecordsCmd},
-    {"DELETE", "FIELD", RunDeleteFieldCmd},   {"RENAME", "FIELD", RunRenameFieldCmd},
-    {"CHANGE", "FIELD", RunChangeFieldCmd},   {"SORT", "ROWS", RunSortRowsCmd},
-    {"UNSORT", "ROWS", RunUnsortRowsCmd},     {"CONVERT", "UTF8", RunConvertUtf8Cmd},
+    {"FILL", "SERIES", RunFillSeriesCmd},
+    {"ADD", "RECORDS", RunAddRecordsCmd},
+    {"DELETE", "FIELD", RunDeleteFieldCmd},
+    {"RENAME", "FIELD", RunRenameFieldCmd},
+    {"CHANGE", "FIELD", RunChangeFieldCmd},
+    {"SORT", "ROWS", RunSortRowsCmd},
+    {"UNSORT", "ROWS", RunUnsortRowsCmd},
+    {"CONVERT", "UTF8", RunConvertUtf8Cmd},
     {"CONVERT", "ASCII", RunConvertAsciiCmd},
     {"BUILD", "TIN", RunBuildTin},
     {"BUILD", "CONTOURS", RunBuildContours},
     {"BUILD", "NETWORK", CmdBuildNetwork},
     {"SHORTEST", "PATH", CmdShortestPath},
     {"CLEAR", "SHORTEST", CmdClearShortestPath},
+    {"SET", "SCRIPT", CmdSetScript},
+    {"RUN", "SCRIPT", CmdRunScript},
     {nullptr, nullptr, nullptr},
 };
 

@@ -15,6 +15,7 @@
 #include <QVBoxLayout>
 
 #include "store/dbf_store.h"
+#include "ui/script_page.h"
 
 namespace velmora {
 
@@ -160,6 +161,8 @@ LayerPropsDialog::LayerPropsDialog(Session& s, int lyr, QWidget* parent)
   lscales->addWidget(lscaleMax_);
   lf->addRow(lscaleOn_, lscales);
   top->addWidget(labels);
+  script_ = new ScriptPage(s, lyr, this);
+  top->addWidget(script_);
 
   auto* buttons = new QDialogButtonBox(
       QDialogButtonBox::Ok | QDialogButtonBox::Apply | QDialogButtonBox::Cancel, this);
@@ -194,6 +197,7 @@ void LayerPropsDialog::Apply() {
   sym_.LabelScaleMin = lscaleMin_->value();
   sym_.LabelScaleMax = lscaleMax_->value();
   ApplyLyrSymbology(s_, lyr_, sym_);
+  script_->Apply();
 }
 
 } // namespace velmora

@@ -13,12 +13,15 @@ class QGridLayout;
 
 namespace velmora {
 
+class ScriptPage;
+
 // "Layer Prorperties": the pens, vertices, scale limits and labels of one layer.
 class LayerPropsDialog : public QDialog {
   Q_OBJECT
 public:
   LayerPropsDialog(Session& s, int lyr, QWidget* parent = nullptr);
   static constexpr const char* kCaption = "Layer Prorperties";
+  ScriptPage* Script() const { return script_; }
 
 private:
   struct PenRow {
@@ -47,6 +50,7 @@ private:
   QCheckBox* lscaleOn_;
   QDoubleSpinBox* lscaleMin_;
   QDoubleSpinBox* lscaleMax_;
+  ScriptPage* script_;
 
   PenRow MakePenRow(QGridLayout* g, int row, const QString& title, const PenSpec& p);
   void ReadPenRow(const PenRow& r, PenSpec& p);

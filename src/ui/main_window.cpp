@@ -35,8 +35,8 @@
 #include "session/start_session.h"
 #include "session/undo.h"
 #include "store/shp_store.h"
-#include "ui/contour_dialog.h"
 #include "ui/build_net_dialog.h"
+#include "ui/contour_dialog.h"
 #include "ui/coords_convert_dialog.h"
 #include "ui/coords_dialog.h"
 #include "ui/find_data_dialog.h"
@@ -45,10 +45,12 @@
 #include "ui/location_dialog.h"
 #include "ui/map_widget.h"
 #include "ui/move_dialogs.h"
+#include "ui/net_dialog.h"
+#include "ui/script_page.h"
+#include "ui/script_timer.h"
 #include "ui/selection_actions.h"
 #include "ui/table_windows.h"
 #include "ui/tin_dialog.h"
-#include "ui/net_dialog.h"
 #include "ui/tool_icons.h"
 #include "view/map_toolbar.h"
 #include "view/map_tools.h"
@@ -117,10 +119,13 @@ MainWindow::MainWindow(Session& s, QtHost& host, QWidget* parent)
   statusBar()->addPermanentWidget(progBar_);
 
   tables_ = new TableWindows(s_, host_, this);
+  // A script run writes rows: the open table's page goes into the store first.
+  s_.Script.FlushPage = [](Session& s, int lyr) { s.host->FlushTable(lyr); };
   BuildToolbar();
   BuildMenus();
 
   // The stop sequence tries again while a function still holds a layer.
+  scriptTimer_ = new ScriptTimer(s_, this);
   unloadTimer_ = new QTimer(this);
   unloadTimer_->setInterval(3000);
   connect(unloadTimer_, &QTimer::timeout, this, &QWidget::close);
@@ -460,6 +465,13 @@ void MainWindow::FillLayerMenu(QMenu* m) {
   add("Properties...", "mnuProperties", [this] { ShowProps(); });
   add("Open Attribute Table", "mnuOpenAttributeTable", [this] {
     for (int n : Selected()) tables_->OpenTable(n);
+  });
+  add("Edit VB Script...", "mnuEditScript", [this] {
+    ShowProps();
+    if (auto* d = qobject_cast<LayerPropsDialog*>(props_.data())) d->Script()->FocusEditor();
+  });
+  add("Run VB Script in all Recs.", "mnuRunScript", [this] {
+    if (s_.ActiveLyr > 0) scriptTimer_->RunSoon(s_.ActiveLyr);
   });
   sep();
   add("Move Up", "mnuMoveUp", [this] { MoveUp(); });

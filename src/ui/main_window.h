@@ -23,6 +23,8 @@ class TableWindows;
 // The main window: the layer list on the left, the map surface (EditPic) in the centre,
 // the command bar below, the status text, progress bar and txtFunc in the status bar, and
 // the menus and toolbar. Each handler gathers the selection and calls one core operation.
+class ScriptTimer;
+
 class MainWindow : public QMainWindow {
   Q_OBJECT
 public:
@@ -91,7 +93,7 @@ private:
   QMenu* scaleMenu_ = nullptr;
   QList<QAction*> lyrActions_; // need a layer
   QPointer<QWidget> props_, coords_, convert_;
-  TableWindows* tables_ = nullptr;             // data tables, Edit Feature, Identify
+  TableWindows* tables_ = nullptr;  // data tables, Edit Feature, Identify
   QPointer<QWidget> tin_, contour_; // the surface forms
   // Shows the single form of a tool, making it on first use.
   template <typename D> void ShowTool(QPointer<QWidget>& held) {
@@ -103,6 +105,7 @@ private:
     held->show();
     held->raise();
   }
+  ScriptTimer* scriptTimer_ = nullptr;         // VbScribtTimerM
   QPointer<QWidget> move_, rotate_, settings_; // frmMove, frmRotateAngle, frmMoveSettings
   QPointer<QWidget> buildNet_, net_;           // FrmBuildNet, frmNet
 };

@@ -25,6 +25,7 @@
 #include "session/layer_life.h"
 #include "store/dbf_store.h"
 #include "table/field_struct.h"
+#include "table/run_script.h"
 #include "table/table_page.h"
 #include "table/table_ranges.h"
 #include "ui/selection_actions.h"
@@ -115,14 +116,6 @@ void TableWindow::BuildMenus(QMenuBar* bar) {
   auto add = [this](QMenu* m, const QString& text, const QString& name, auto fn) {
     QAction* a = m->addAction(text, this, fn);
     a->setObjectName(name);
-    return a;
-  };
-  auto off = [this](QMenu* m, const QString& text, const QString& name,
-                    void (TableWindow::*slot)()) {
-    QAction* a = m->addAction(text);
-    a->setObjectName(name);
-    connect(a, &QAction::triggered, this, slot);
-    a->setEnabled(false); // wired by the selection code and the script host
     return a;
   };
 
@@ -219,7 +212,7 @@ void TableWindow::BuildMenus(QMenuBar* bar) {
       if (rec >= 1) emit EditFeatureRequested(n, rec);
     }
   });
-  off(tools, "Run VB Script in all Recs.", "mnuRunScript", &TableWindow::OnRunScript);
+  add(tools, "Run VB Script in all Recs.", "mnuRunScript", [this] { OnRunScript(); });
   tools->addSeparator();
   terminate_ = add(tools, "Terminate None", "mnuTerminate", [this] { Terminate(); });
   connect(tools, &QMenu::aboutToShow, this, [this] {
@@ -242,6 +235,14 @@ void TableWindow::RunSelection(const std::string& name) {
   } else {
     RunSelectionAction(this, s_, name, [] {});
   }
+  if (Lyr()) Reload(false);
+}
+
+void TableWindow::OnRunScript() {
+  Flush();
+  const int n = Lyr();
+  if (!n) return;
+  RunScript(s_, n, 0, 0, false);
   if (Lyr()) Reload(false);
 }
 

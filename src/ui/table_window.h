@@ -59,7 +59,7 @@ public slots:
   // records of the table's range, the others act on the selection.
   void RunSelection(const std::string& name);
   // The script host's run over the records.
-  void OnRunScript() {}
+  void OnRunScript();
 
 protected:
   void closeEvent(QCloseEvent* e) override;

@@ -59,6 +59,10 @@ public:
   void FlushTable(int lyr) override { emit tableFlushRequested(lyr); }
   void CloseTable(int lyr) override { emit tableClosed(lyr); }
   bool OpenWith(const std::string& program, const std::string& path) override;
+  // A script's MsgBox and InputBox (qt_script_dialogs.cpp).
+  int ScriptMsgBox(const std::string& prompt, int buttons, const std::string& title) override;
+  bool ScriptInputBox(const std::string& prompt, const std::string& title, const std::string& dflt,
+                      std::string& answer, bool& cancelled) override;
   Canvas* MapBuf() override { return mapBuf ? mapBuf() : nullptr; }
   void MapShow() override {
     if (mapShow) mapShow();
