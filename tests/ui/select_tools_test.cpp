@@ -64,8 +64,8 @@ struct SelectTools : ::testing::Test, AppFirst {
     w.show();
     const std::string q = QuotedPath(dir + "wells.shp");
     Exec("MAKE LAYER " + q + " AS POINT");
-    Exec("ADD FIELD " + q + " name 67 10 0");
-    Exec("ADD FIELD " + q + " depth 78 8 2");
+    Exec("ADD FIELD " + q + " name C 10 0");
+    Exec("ADD FIELD " + q + " depth N 8 2");
     Exec("OPEN LAYER " + q);
     const char* names[] = {"north", "south", "east", "west", "North"};
     for (int k = 1; k <= 5; ++k)
