@@ -5,15 +5,11 @@
 
 namespace velmora {
 
-// One point of a surface: X and Y scaled by TinScale, Z in single precision so that the
-// record stays at 20 bytes.
-#pragma pack(push, 4)
+// One point of a surface: X and Y scaled by TinScale, Z in single precision.
 struct TinPoint {
   double X = 0, Y = 0;
   float Z = 0;
 };
-#pragma pack(pop)
-static_assert(sizeof(TinPoint) == 20);
 
 // Three indices into TinPoints (1-based).
 struct TinTri {

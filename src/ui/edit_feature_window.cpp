@@ -34,6 +34,12 @@ EditFeatureWindow::EditFeatureWindow(Session& s, QWidget* parent)
   resize(360, 420);
 }
 
+// The panel and its model read page_, which goes before the children would.
+EditFeatureWindow::~EditFeatureWindow() {
+  delete tblpan_;
+  delete model_;
+}
+
 int EditFeatureWindow::Lyr() const {
   const int n = source_.empty() ? 0 : FindLyrByFile(s_, source_);
   return n >= 1 ? n : 0;

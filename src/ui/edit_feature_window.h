@@ -18,6 +18,7 @@ class EditFeatureWindow : public QWidget {
   Q_OBJECT
 public:
   explicit EditFeatureWindow(Session& s, QWidget* parent = nullptr);
+  ~EditFeatureWindow() override;
   // InstIdentify: shows record `rec` of layer `lyr`; 0 clears.
   void InstIdentify(int lyr, int rec);
   // BlkEditFeature / UnBlkEditFeature: the panel of fields takes no input while blocked.

@@ -101,7 +101,13 @@ TableWindow::TableWindow(Session& s, int lyr, QWidget* parent)
   resize(720, 480);
 }
 
-TableWindow::~TableWindow() = default;
+// The grid and its model read page_, which goes before the children would.
+TableWindow::~TableWindow() {
+  grid_->viewport()->removeEventFilter(this);
+  grid_->removeEventFilter(this);
+  delete grid_;
+  delete model_;
+}
 
 int TableWindow::Lyr() const {
   const int n = FindLyrByFile(s_, source_);
