@@ -147,18 +147,8 @@ private:
 } // namespace
 
 RouteStatus GetExactShortestPath(Session& s, int lyr) {
-  if (lyr < 1 || lyr > s.LyrCount || s.Lyr[lyr].LyrKind != 1) return RouteStatus::NotBuilt;
-  RunningFunction rf(s, lyr, "Get Shortest Path");
-  if (!rf.Started()) return RouteStatus::Busy;
-  const RouteStatus st = netsearch::CheckRoute(s, lyr);
-  if (st != RouteStatus::Done) {
-    rf.Finish(false);
-    return st;
-  }
-  ExactSearch search(s, rf);
-  const bool done = search.Run();
-  rf.Finish(false);
-  return done ? RouteStatus::Done : RouteStatus::Canceled;
+  return netsearch::RunRouteSearch(s, lyr,
+                                   [&](RunningFunction& rf) { return ExactSearch(s, rf).Run(); });
 }
 
 } // namespace velmora

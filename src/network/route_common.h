@@ -21,6 +21,22 @@ inline double Dist(const NetLink& a, const NetLink& b) {
 // (loaded here when it isn't yet) and the two stops. Done means go on.
 RouteStatus CheckRoute(Session& s, int lyr);
 
+// A search from start to end under the layer's busy frame: the checks, then `run` (true
+// when it finished, false when terminated).
+template <class Run> RouteStatus RunRouteSearch(Session& s, int lyr, Run run) {
+  if (lyr < 1 || lyr > s.LyrCount || s.Lyr[lyr].LyrKind != 1) return RouteStatus::NotBuilt;
+  RunningFunction rf(s, lyr, "Get Shortest Path");
+  if (!rf.Started()) return RouteStatus::Busy;
+  const RouteStatus st = CheckRoute(s, lyr);
+  if (st != RouteStatus::Done) {
+    rf.Finish(false);
+    return st;
+  }
+  const bool done = run(rf);
+  rf.Finish(false);
+  return done ? RouteStatus::Done : RouteStatus::Canceled;
+}
+
 // The factor of each line, read from the table once a search.
 class LineFactors {
 public:

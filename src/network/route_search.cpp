@@ -404,18 +404,8 @@ private:
 } // namespace
 
 RouteStatus GetShortestPath(Session& s, int lyr) {
-  if (lyr < 1 || lyr > s.LyrCount || s.Lyr[lyr].LyrKind != 1) return RouteStatus::NotBuilt;
-  RunningFunction rf(s, lyr, "Get Shortest Path");
-  if (!rf.Started()) return RouteStatus::Busy;
-  const RouteStatus st = netsearch::CheckRoute(s, lyr);
-  if (st != RouteStatus::Done) {
-    rf.Finish(false);
-    return st;
-  }
-  BoundedSearch search(s, rf);
-  const bool done = search.Run();
-  rf.Finish(false);
-  return done ? RouteStatus::Done : RouteStatus::Canceled;
+  return netsearch::RunRouteSearch(s, lyr,
+                                   [&](RunningFunction& rf) { return BoundedSearch(s, rf).Run(); });
 }
 
 } // namespace velmora

@@ -815,18 +815,18 @@ Value Interp::EvalCall(Expr* e, Expr* target, std::vector<Expr*>* argExprs, bool
   }
 }
 
+Object* Interp::MemberObject(Expr* m, Value& base) {
+  if (!m->a) return WithTop();
+  base = EvalE(m->a);
+  if (base.t != VT::Object) Throw(424);
+  if (!base.obj) Throw(91);
+  return base.obj.get();
+}
+
 Value Interp::EvalMember(Expr* m, std::vector<Expr*>* argExprs, bool parens) {
   (void)parens;
-  Object* o;
   Value base;
-  if (m->a) {
-    base = EvalE(m->a);
-    if (base.t != VT::Object) Throw(424);
-    if (!base.obj) Throw(91);
-    o = base.obj.get();
-  } else {
-    o = WithTop();
-  }
+  Object* o = MemberObject(m, base);
   int id = o->MemberId(m->lname);
   if (id < 0) {
     Error er;
@@ -920,16 +920,8 @@ void Interp::Assign(Expr* lhs, Value v, bool isSet) {
     return;
   }
   if (lhs->k == EK::Member) {
-    Object* o;
     Value base;
-    if (lhs->a) {
-      base = EvalE(lhs->a);
-      if (base.t != VT::Object) Throw(424);
-      if (!base.obj) Throw(91);
-      o = base.obj.get();
-    } else {
-      o = WithTop();
-    }
+    Object* o = MemberObject(lhs, base);
     int id = o->MemberId(lhs->lname);
     if (id < 0) Throw(438);
     Value* p = &v;
@@ -967,16 +959,8 @@ void Interp::Assign(Expr* lhs, Value v, bool isSet) {
       Throw(501);
     }
     if (t->k == EK::Member) {
-      Object* o;
       Value base;
-      if (t->a) {
-        base = EvalE(t->a);
-        if (base.t != VT::Object) Throw(424);
-        if (!base.obj) Throw(91);
-        o = base.obj.get();
-      } else {
-        o = WithTop();
-      }
+      Object* o = MemberObject(t, base);
       int id = o->MemberId(t->lname);
       if (id < 0) Throw(438);
       BuildArgs(lhs->args, temps, ptrs, false);

@@ -126,6 +126,8 @@ private:
   Value CallObj(Object* o, int id, std::span<Value*> args, Invoke kind);
   Value CallBuiltin(int b, std::span<Value*> args);
   Object* WithTop();
+  // The object a member expression acts on: its base, held in `base`, or the With object.
+  Object* MemberObject(Expr* m, Value& base);
   std::shared_ptr<Array> MakeArray(const std::vector<Expr*>& bounds, bool fixed);
   void CheckCancel();
   int ConstIndex(const std::string& lname) const;
