@@ -13,6 +13,11 @@ namespace velmora {
 
 namespace {
 
+// A surface layer that could not be made whole is of no use: its files go.
+void DropSurfaceFiles(const std::string& path) {
+  for (const char* ext : {"shp", "shx", "dbf"}) KillFile(ReplaceExt(path, ext));
+}
+
 std::string Fixed3(double v) {
   char buf[64];
   auto r = std::to_chars(buf, buf + sizeof buf, v, std::chars_format::fixed, 3);
@@ -71,7 +76,7 @@ int OpenSurfaceOut(Session& s, const std::string& path, int shapeType,
     CloseShp(s, slot);
     CloseDbf(s, slot);
     ClearLyr(s, slot);
-    for (const char* ext : {"shp", "shx", "dbf"}) KillFile(ReplaceExt(path, ext));
+    DropSurfaceFiles(path);
     return 1;
   }
   return slot;
@@ -103,6 +108,7 @@ bool CloseSurfaceOut(Session& s, int out, const std::string& path) {
   CloseShp(s, out);
   SizeRecs(s, out, 0);
   ClearLyr(s, out);
+  if (!ok) DropSurfaceFiles(path);
   return ok;
 }
 

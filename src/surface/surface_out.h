@@ -18,7 +18,8 @@ bool WriteTriangle(Session& s, int out, const TinPoint& a, const TinPoint& b, co
                    double scale);
 // A contour line at height z with its row: ID the feature number, CONTOUR z.
 bool WriteContourLine(Session& s, int out, const std::vector<double>& xy, float z, double scale);
-// Refreshes the extent, saves the layer and frees the slot. False when the save failed.
+// Refreshes the extent, saves the layer and frees the slot. False when the save failed;
+// the unfinished files are then removed.
 bool CloseSurfaceOut(Session& s, int out, const std::string& path);
 
 } // namespace velmora

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <sstream>
 
+#include "child_run.h"
 #include "model/file_util.h"
 #include "session/commands.h"
 #include "surface/tin_points.h"
@@ -121,6 +122,24 @@ TEST_F(SurfaceLayers, TinFromAHeightField) {
   // The new layer is on the map.
   EXPECT_EQ(s.LyrCount, 2);
   EXPECT_EQ(s.Lyr[2].LyrName, "tin.shp");
+}
+
+// A disk that fills up during the build: the run is refused, the source keeps its bytes and
+// no unfinished TIN is left behind.
+TEST_F(SurfaceLayers, AFullDiskLeavesNoUnfinishedLayer) {
+  std::string src = MakePoints(dir, "pts.shp", 1000, 2000, 10);
+  const std::string before = test::ReadFile(src) + test::ReadFile(ReplaceExt(src, "dbf"));
+  const std::string out = dir + "tin.shp";
+  const int code = test::InChild([&] {
+    test::LimitFileSize(4096);
+    Exec("BUILD TIN \"" + src + "\" \"" + out + "\" 1 HGT");
+    const bool refused = Logged(" *** Build Tin Surface(s) has been canceled *** ");
+    return refused ? 0 : 1;
+  });
+  EXPECT_EQ(code, 0);
+  EXPECT_EQ(test::ReadFile(src) + test::ReadFile(ReplaceExt(src, "dbf")), before);
+  for (const char* ext : {"shp", "shx", "dbf"})
+    EXPECT_FALSE(std::filesystem::exists(ReplaceExt(out, ext))) << ext;
 }
 
 TEST_F(SurfaceLayers, TheTrianglesAreThoseOfThePlainAlgorithm) {
