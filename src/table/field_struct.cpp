@@ -2,12 +2,14 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cerrno>
 #include <cmath>
 #include <cstdio>
 
 #include "frame/busy.h"
 #include "frame/log.h"
 #include "frame/lyr_slots.h"
+#include "frame/refusal_log.h"
 #include "model/file_util.h"
 #include "model/safe_file.h"
 #include "store/codepage.h"
@@ -51,8 +53,9 @@ std::vector<FieldPlan> PlanOfLyr(const Session& s, int lyr) {
   return plan;
 }
 
-void Refuse(Session& s, const std::string& op, int lyr) {
-  LogMsg(s, " *** " + op + " " + s.Lyr[lyr].LyrName + " has been canceled *** ");
+// The cancel line, and the reason on a line of its own when the disk gave one.
+void Refuse(Session& s, const std::string& op, int lyr, const std::string& why = "") {
+  LogCanceled(s, op + " " + s.Lyr[lyr].LyrName, why);
 }
 
 bool ValidName(const std::string& n) {
@@ -121,6 +124,7 @@ void DropWorkTable(Session& s, int w, const std::string& tmp, const std::string&
 
 // The rebuild: `plan` is the new field table. The layer is busy under `op` throughout.
 bool Rebuild(Session& s, int lyr, const std::string& op, const std::vector<FieldPlan>& plan) {
+  s.DbfErrText.clear(); // a reason below is this rebuild's own
   if (int(plan.size()) > kMaxFields) {
     Refuse(s, op, lyr);
     return false;
@@ -148,7 +152,7 @@ bool Rebuild(Session& s, int lyr, const std::string& op, const std::vector<Field
   if (tmp.empty() || s.DbfErr) {
     DropWorkTable(s, w, tmp, tmpDbf);
     rf.Finish(false);
-    Refuse(s, op, lyr);
+    Refuse(s, op, lyr, tmp.empty() ? "no temporary file in the layer's folder" : s.DbfErrText);
     return false;
   }
 
@@ -178,7 +182,7 @@ bool Rebuild(Session& s, int lyr, const std::string& op, const std::vector<Field
     if (s.DbfErr || rf.Step(row + 1, rows)) {
       if (s.DbfErr) {
         rf.Finish(false);
-        Refuse(s, op, rf.Layer());
+        Refuse(s, op, rf.Layer(), s.DbfErrText);
       }
       DropWorkTable(s, w, tmp, tmpDbf);
       return false;
@@ -190,11 +194,13 @@ bool Rebuild(Session& s, int lyr, const std::string& op, const std::vector<Field
   ClearLyr(s, w);
   lyr = rf.Layer();
   // The new table reaches the disk before it takes the old one's name.
-  if (!written || !SyncFile(tmpDbf)) {
+  const bool synced = written && SyncFile(tmpDbf);
+  if (!synced) {
+    const std::string why = written ? FileNameOf(tmpDbf) + ": " + ErrnoText(errno) : s.DbfErrText;
     KillFile(tmpDbf);
     KillFile(tmp);
     rf.Finish(false);
-    Refuse(s, op, lyr);
+    Refuse(s, op, lyr, why);
     return false;
   }
 
@@ -205,12 +211,13 @@ bool Rebuild(Session& s, int lyr, const std::string& op, const std::vector<Field
   bool moved = std::rename(NativePath(tmpDbf).c_str(), NativePath(dbfPath).c_str()) == 0;
   if (!moved) KillFile(tmpDbf);
   KillFile(tmp);
+  const int renameErr = moved ? 0 : errno;
   OpenDbf(s, lyr, source);
   // Cell edits name fields by number, which have moved.
   InitDataUndo(s, lyr);
   if (!moved || s.DbfErr) {
     rf.Finish(false);
-    Refuse(s, op, lyr);
+    Refuse(s, op, lyr, moved ? s.DbfErrText : FileNameOf(dbfPath) + ": " + ErrnoText(renameErr));
     return false;
   }
   if (blanked > 0)

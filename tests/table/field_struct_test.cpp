@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 
+#include "child_run.h"
 #include "frame/busy.h"
 #include "frame/lyr_slots.h"
+#include "model/file_util.h"
 #include "session/commands.h"
 #include "store/dbf_store.h"
 #include "table/field_struct.h"
@@ -103,4 +105,40 @@ TEST(FieldStruct, AddFieldRebuildsTheTableKeepingRowsAndEdits) {
   // No temporary file is left in the folder.
   std::string ls = test::RunCmd("ls " + dir);
   EXPECT_EQ(ls.find("qmt"), std::string::npos) << ls;
+}
+
+// A disk that fills up during the rewrite: the old table keeps its bytes, the unsaved edit
+// stays in the session, and the log says why under the cancel line.
+TEST(FieldStruct, AFullDiskLeavesTheTableAndSaysWhy) {
+  test::RecordingHost host;
+  Session s(host);
+  std::string dir = test::TempDir("fieldfull");
+  std::string path = MakeLayer(dir);
+  AddRow(s, path);
+  OpenDbf(s, 1, path);
+  if (!s.Lyr[1].Dbf.DbfOpen) GTEST_SKIP() << "the attribute store is not built in";
+  ReadDbfRec(s, 1, 1);
+  SetFieldValue(s, 1, FindField(s, 1, "NAME"), "Oak");
+  WriteDbfRecSwap(s, 1, 1);
+  const std::string before = test::ReadFile(dir + "pts.dbf");
+
+  const int code = test::InChild([&] {
+    test::LimitFileSize(1); // nothing new can be written
+    const bool refused = !AddFieldToLyr(s, 1, "OWNER", 'C', 12, 0);
+    if (!refused || host.logged.size() < 2) return 1;
+    const std::string& why = host.logged.back();
+    if (host.logged[host.logged.size() - 2] != " *** Add Field pts.shp has been canceled *** ")
+      return 2;
+    if (why.find("too large") == std::string::npos) return 3;
+    ReadDbfRec(s, 1, 1);
+    return Trim(GetFieldValue(s, 1, FindField(s, 1, "NAME"))) == "Oak" ? 0 : 4;
+  });
+  EXPECT_EQ(code, 0);
+  EXPECT_EQ(test::ReadFile(dir + "pts.dbf"), before);
+  // No half-written table is left beside it (the swap file of the edit stays).
+  for (const auto& e : std::filesystem::directory_iterator(dir)) {
+    if (e.path().extension() == ".dbf") {
+      EXPECT_EQ(e.path().filename(), "pts.dbf");
+    }
+  }
 }
